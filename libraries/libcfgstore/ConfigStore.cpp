@@ -1,0 +1,80 @@
+#include "ConfigStore.h"
+
+#include <ctime>
+#include <utility>
+
+#include "AtomicFile.h"
+#include "Document.h"
+#include "SourceText.h"
+
+namespace cfgstore {
+namespace {
+
+std::string describe(const std::string& path, const std::vector<Problem>& problems) {
+  const Problem& first = problems.front();
+  std::string text = path;
+  if (first.line != 0) text += ":" + std::to_string(first.line);
+  text += ": " + first.text;
+  if (problems.size() > 1) text += " (and " + std::to_string(problems.size() - 1) + " more)";
+  return text;
+}
+
+SourceText readSource(const std::string& path) {
+  std::string why;
+  auto source = SourceText::read(path, why);
+  if (!source) throw OpenError(path, {{0, why}});
+  return std::move(*source);
+}
+
+}  // namespace
+
+OpenError::OpenError(const std::string& path, std::vector<Problem> problems)
+    : std::runtime_error(describe(path, problems)), m_path(path), m_problems(std::move(problems)) {}
+
+struct ConfigStore::State {
+  State(const std::string& path, SourceText text, std::vector<Problem>& problems)
+      : document(std::move(text), problems),
+        source{path, document.source().resolvedPath(), document.source().stamp()} {}
+
+  Document document;
+  SourceFile source;
+  Observer observer;
+};
+
+ConfigStore::ConfigStore(const std::string& path) {
+  std::vector<Problem> problems;
+  m_state = std::make_unique<State>(path, readSource(path), problems);
+  if (!problems.empty()) throw OpenError(path, std::move(problems));
+}
+
+ConfigStore::~ConfigStore() = default;
+
+const std::string& ConfigStore::path() const { return m_state->source.path; }
+
+void ConfigStore::observe(Observer observer) { m_state->observer = std::move(observer); }
+
+const Observer& ConfigStore::observer() const { return m_state->observer; }
+
+bool ConfigStore::changed() const { return m_state->document.changed(); }
+
+std::string ConfigStore::text() const {
+  const auto pieces = m_state->document.pieces();
+  std::size_t size = 0;
+  for (const std::string_view piece : pieces) size += piece.size();
+  std::string text;
+  text.reserve(size);
+  for (const std::string_view piece : pieces) text += piece;
+  return text;
+}
+
+SaveResult ConfigStore::save(const std::string& target, Backup backup) {
+  const auto pieces = m_state->document.pieces();
+  AtomicFile file(FileSystem::real(), target, m_state->source);
+  SavedFile saved = file.save(pieces, backup, std::time(nullptr));
+  if (saved.isSource) m_state->source.stamp = saved.stamp;
+  return std::move(saved.result);
+}
+
+Document& ConfigStore::document() { return m_state->document; }
+
+}  // namespace cfgstore

@@ -1,0 +1,127 @@
+// ConfigStore.h -- what the embedded store offers beyond the contract of CfgUtils.h: errors with line numbers, the
+// content as text, an explicit and atomic save, and a journal of every write.
+//
+// A program reaches the store of a ConfigFile with ConfigStore::of(*configFile.getCfgUtils()).
+
+#ifndef CFGMIG_LIBCFGSTORE_CONFIGSTORE_H
+#define CFGMIG_LIBCFGSTORE_CONFIGSTORE_H
+
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "CfgUtils.h"
+
+namespace cfgstore {
+
+class Document;
+
+// Something that is wrong with a file. Lines are counted from 1 as an editor counts them; 0 is the file as a whole.
+// The text says what is wrong and what was expected; it never holds a value.
+struct Problem {
+  std::size_t line = 0;
+  std::string text;
+};
+
+// Thrown by the constructor of CfgUtils when a file cannot be opened, read or understood. what() names the file,
+// the first line that is wrong and what is wrong with it, and how many more problems there are.
+class OpenError : public std::runtime_error {
+ public:
+  OpenError(const std::string& path, std::vector<Problem> problems);
+  const std::string& path() const { return m_path; }
+  const std::vector<Problem>& problems() const { return m_problems; }  // in file order, at least one
+
+ private:
+  std::string m_path;
+  std::vector<Problem> m_problems;
+};
+
+// Thrown by save. what() names the file, the step that failed and why. The file at the target is then the one that
+// was there before, and nothing is left beside it.
+class SaveError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+// The save was refused before anything was written: the file has changed on disk since it was read, or somebody else
+// holds its lock.
+class SaveRefused : public SaveError {
+ public:
+  using SaveError::SaveError;
+};
+
+// The exception to what SaveError promises: the save failed when the file had been replaced, and the old one could not
+// be put back. what() says where it is.
+class RestoreError : public SaveError {
+ public:
+  using SaveError::SaveError;
+};
+
+enum class Operation { addValue, delValue, setValue, addEntry, removeEntry };
+
+// One write that the store was asked for, successful or not. Valid during the call of the observer only.
+struct Write {
+  Operation operation;
+  std::string_view dn;                   // as the caller wrote it
+  std::string_view attribute;            // as the caller wrote it; empty for addEntry and removeEntry
+  std::vector<std::string_view> values;  // addValue, setValue: one, or none for null; delValue: those listed;
+                                         // addEntry: cn and the two object classes; removeEntry: none
+  int rc;                                // what the store answered
+  bool changed = false;                  // whether the content is different now: false for a failure, a value that
+                                         // was there already, a list of nothing
+};
+
+using Observer = std::function<void(const Write&)>;
+
+enum class Backup { none, keep };
+
+struct SaveResult {
+  bool written = false;    // false: the target already held exactly this content and was not touched
+  std::string backupPath;  // where the replaced file went; empty if there was none or none was asked for
+};
+
+// The store behind one CfgUtils. It lives as long as the CfgUtils, which owns it.
+class ConfigStore {
+ public:
+  static ConfigStore& of(OVOConfigUtils::CfgUtils& utils);
+
+  explicit ConfigStore(const std::string& path);  // throws OpenError
+  ~ConfigStore();
+  ConfigStore(const ConfigStore&) = delete;
+  ConfigStore& operator=(const ConfigStore&) = delete;
+
+  const std::string& path() const;
+
+  // Calls `observer` after every write operation from now on, also for those that failed. One observer at a time;
+  // an empty function ends it. The observer must not use the store, and must not throw: the write has been done.
+  void observe(Observer observer);
+  const Observer& observer() const;
+
+  // True when the content is no longer byte for byte what was read.
+  bool changed() const;
+
+  // The whole content as it would be saved.
+  std::string text() const;
+
+  // Writes the content to `target`, atomically: afterwards the file there is wholly the new one or, after a
+  // SaveError, wholly the one that was there before. A target that holds this very content already is not touched.
+  // Symbolic links are followed. Mode and owner of a replaced file are kept; a new file gets the mode of the file
+  // that was read. When `target` is the file that was read, saving refuses if it has changed on disk since.
+  // With Backup::keep the file that is replaced is first copied beside it, under a name with the time in it that is
+  // never one that exists.
+  SaveResult save(const std::string& target, Backup backup);
+
+  Document& document();  // for the store's own code and its tests
+
+ private:
+  struct State;
+  std::unique_ptr<State> m_state;
+};
+
+}  // namespace cfgstore
+
+#endif  // CFGMIG_LIBCFGSTORE_CONFIGSTORE_H

@@ -1,0 +1,217 @@
+#include "Document.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+#include "LdifReader.h"
+#include "NormalDn.h"
+
+namespace cfgstore {
+namespace {
+
+// An entry with more lines than this keeps its table of attributes once it was read.
+constexpr std::size_t kManyLines = 256;
+
+// The names that give a line of an entry another meaning.
+bool isReservedName(std::string_view name) {
+  return sameName(name, "dn") || sameName(name, "changetype") || sameName(name, "control");
+}
+
+}  // namespace
+
+Document::Document(SourceText source, std::vector<Problem>& problems) : m_source(std::move(source)) {
+  LdifContent content = readLdif(m_source.text(), m_arena);
+  problems = std::move(content.problems);
+  if (!problems.empty()) return;
+  m_lines = std::move(content.lines);
+  m_index = std::move(content.index);
+  const std::span<const Line> lines(m_lines);
+  const std::size_t count = content.entries.size();
+  m_entries.resize(count + 1);
+  m_entries[kHead].gap = lines.first(count == 0 ? lines.size() : content.entries[0].first);
+  m_entries[kHead].removed = true;
+  for (std::size_t i = 0; i < count; ++i) {
+    const EntrySpan& span = content.entries[i];
+    const std::size_t next = i + 1 < count ? content.entries[i + 1].first : lines.size();
+    Entry& entry = m_entries[i + 1];
+    entry.body = lines.subspan(span.first, span.end - span.first);
+    entry.gap = lines.subspan(span.end, next - span.end);
+    entry.normal = span.normal;
+    entry.dn = lines[span.dn];
+    entry.previous = static_cast<EntryId>(i);
+    m_entries[i].next = static_cast<EntryId>(i + 1);
+    m_longestNormal = std::max(m_longestNormal, span.normal.size());
+  }
+  m_last = static_cast<EntryId>(count);
+}
+
+EntryId Document::lookUp(std::string_view normal) const {
+  return m_index.find(normal, [this](EntryId id) { return m_entries[id].normal; });
+}
+
+ResultCode Document::find(std::string_view dn, EntryId& entry) {
+  if (m_recent != kNoEntry && m_recentDn == dn) {
+    entry = m_recent;
+    return kSuccess;
+  }
+  EntryId found = lookUp(dn);  // a normal form is its own normal form
+  if (found == kNoEntry) {
+    const auto normal = normalDn(dn);
+    if (!normal) return kInvalidDnSyntax;
+    found = lookUp(*normal);
+    if (found == kNoEntry) return kNoSuchObject;
+  }
+  m_recent = kNoEntry;
+  m_recentDn.assign(dn);
+  m_recent = entry = found;
+  return kSuccess;
+}
+
+const EntryLines& Document::linesOf(EntryId id) {
+  Entry& entry = m_entries[id];
+  if (entry.lines) return *entry.lines;
+  if (entry.body.size() > kManyLines) {
+    auto lines = std::make_unique<EntryLines>();
+    lines->assign(entry.body);
+    entry.lines = std::move(lines);
+    return *entry.lines;
+  }
+  if (m_readEntry != id) {
+    m_readEntry = kNoEntry;
+    m_readLines.assign(entry.body);
+    m_readEntry = id;
+  }
+  return m_readLines;
+}
+
+EntryLines& Document::editable(EntryId id) {
+  if (!m_entries[id].lines) {
+    m_entries[id].lines = std::make_unique<EntryLines>(linesOf(id));
+    m_readEntry = kNoEntry;
+  }
+  m_entries[id].edited = true;
+  m_edited = true;
+  ++m_edits;
+  return *m_entries[id].lines;
+}
+
+const Habits& Document::habits() {
+  if (!m_habits) m_habits = Habits::of(m_lines);
+  return *m_habits;
+}
+
+Line Document::newLine(std::string_view name, std::string_view value) {
+  const std::string_view text = m_arena.keep(writeLine(habits(), name, value));
+  std::string scratch;
+  Line line;
+  parseLine(text, scratch, line);
+  return line;
+}
+
+ResultCode Document::visitSubordinates(std::string_view baseDn, int scope,
+                                       const std::function<void(std::string_view)>& visit) {
+  const auto base = normalDn(baseDn);
+  if (!base) return kInvalidDnSyntax;
+  const auto isInScope = [&](std::string_view normal) {
+    if (scope == 0 || normal == *base) return scope != 1 && normal == *base;
+    return scope == 1 ? parentOfNormalDn(normal) == *base : isWithinNormalDn(normal, *base);
+  };
+  std::string scratch;
+  for (EntryId id = m_entries[kHead].next; id != kNoEntry; id = m_entries[id].next) {
+    const Entry& entry = m_entries[id];
+    if (!entry.removed && isInScope(entry.normal)) visit(lineValue(entry.dn, scratch));
+  }
+  return kSuccess;
+}
+
+ResultCode Document::addValue(std::string_view dn, std::string_view name, std::string_view value) {
+  EntryId id = kNoEntry;
+  if (const ResultCode rc = find(dn, id); rc != kSuccess) return rc;
+  const EntryLines& lines = linesOf(id);
+  const EntryLines::Attribute attribute = lines.find(name);
+  if (attribute == EntryLines::kNone) {
+    if (!isAttributeName(name) || isReservedName(name)) return kUndefinedAttributeType;
+    const Line line = newLine(name, value);
+    editable(id).appendNew(line);
+  } else if (!lines.hasValue(attribute, value)) {
+    const Line line = newLine(lines.nameAsWritten(attribute), value);
+    editable(id).append(attribute, line);
+  }
+  return kSuccess;
+}
+
+ResultCode Document::delValues(std::string_view dn, std::string_view name, std::span<const std::string_view> values) {
+  EntryId id = kNoEntry;
+  if (const ResultCode rc = find(dn, id); rc != kSuccess) return rc;
+  if (values.empty()) return kSuccess;
+  const EntryLines& lines = linesOf(id);
+  const EntryLines::Attribute attribute = lines.find(name);
+  if (attribute == EntryLines::kNone) return kNoSuchAttribute;
+  for (const std::string_view value : values) {
+    if (!lines.hasValue(attribute, value)) return kNoSuchAttribute;
+  }
+  EntryLines& edited = editable(id);
+  for (const std::string_view value : values) edited.remove(attribute, value);
+  return kSuccess;
+}
+
+ResultCode Document::setValue(std::string_view dn, std::string_view name, std::string_view value) {
+  EntryId id = kNoEntry;
+  if (const ResultCode rc = find(dn, id); rc != kSuccess) return rc;
+  const EntryLines& lines = linesOf(id);
+  const EntryLines::Attribute attribute = lines.find(name);
+  if (attribute == EntryLines::kNone) return addValue(dn, name, value);
+  if (lines.isOnlyValue(attribute, value)) return kSuccess;
+  const Line line = newLine(lines.nameAsWritten(attribute), value);
+  editable(id).replace(attribute, value, line);
+  return kSuccess;
+}
+
+ResultCode Document::addEntry(std::string_view dn, std::string_view cn, std::string_view objectClass,
+                              std::string_view secondObjectClass) {
+  const auto normal = normalDn(dn);
+  if (!normal || normal->empty()) return kInvalidDnSyntax;
+  if (lookUp(*normal) != kNoEntry) return kEntryAlreadyExists;
+
+  const EntryId after = placeFor(*normal);
+  const std::string className = spellingNear(after, "objectClass", "objectClass");
+  const std::string cnName = spellingNear(after, "cn", "cn");
+  std::vector<Line> lines{newLine("dn", dn.substr(std::min(dn.find_first_not_of(' '), dn.size()))),
+                          newLine(className, objectClass)};
+  if (secondObjectClass != objectClass) lines.push_back(newLine(className, secondObjectClass));
+  lines.push_back(newLine(cnName, cn));
+
+  Entry entry;
+  entry.lines = std::make_unique<EntryLines>();
+  entry.lines->assign(lines);
+  entry.normal = m_arena.keep(*normal);
+  entry.dn = lines[0];
+  entry.edited = true;
+  if (m_separator.empty()) m_separator = writeSeparator(habits());
+  m_index.reserve(1);
+  if (m_lastChild) m_lastChild->try_emplace(parentOfNormalDn(entry.normal), kNoEntry);
+  const auto id = static_cast<EntryId>(m_entries.size());
+  m_entries.push_back(std::move(entry));  // the last step that can fail
+  m_index.insert(m_entries[id].normal, id);
+  link(id, after);
+  m_edited = true;
+  ++m_edits;
+  return kSuccess;
+}
+
+ResultCode Document::removeEntry(std::string_view dn) {
+  EntryId id = kNoEntry;
+  if (const ResultCode rc = find(dn, id); rc != kSuccess) return rc;
+  Entry& entry = m_entries[id];
+  m_index.erase(entry.normal, id);
+  entry.removed = true;
+  entry.lines.reset();
+  m_recent = kNoEntry;
+  if (m_readEntry == id) m_readEntry = kNoEntry;
+  m_edited = true;
+  ++m_edits;
+  return kSuccess;
+}
+
+}  // namespace cfgstore

@@ -1,0 +1,68 @@
+// EntryIndex.h -- finds entries by the normal form of their DN.
+
+#ifndef CFGMIG_LIBCFGSTORE_ENTRYINDEX_H
+#define CFGMIG_LIBCFGSTORE_ENTRYINDEX_H
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <string_view>
+#include <vector>
+
+namespace cfgstore {
+
+using EntryId = std::uint32_t;
+constexpr EntryId kNoEntry = 0xffffffff;
+
+// An open-addressing table of hashes and entry numbers. The keys stay with the entries: the caller passes a function
+// that gives the normal DN of an entry.
+class EntryIndex {
+ public:
+  template <class KeyOf>
+  EntryId find(std::string_view key, const KeyOf& keyOf) const {
+    if (m_slots.empty()) return kNoEntry;
+    const std::uint32_t hash = hashOf(key);
+    for (std::size_t at = hash & mask();; at = (at + 1) & mask()) {
+      const Slot& slot = m_slots[at];
+      if (slot.entry == kNoEntry) return kNoEntry;
+      if (slot.entry != kRemoved && slot.hash == hash && keyOf(slot.entry) == key) return slot.entry;
+    }
+  }
+
+  // Makes room for `count` entries more, so that as many calls of insert cannot fail.
+  void reserve(std::size_t count);
+
+  // Adds an entry whose key is not in the table yet. Without room reserved for it, it may throw.
+  void insert(std::string_view key, EntryId entry) {
+    reserve(1);
+    put({hashOf(key), entry});
+    ++m_used;
+  }
+
+  void erase(std::string_view key, EntryId entry) noexcept;
+
+ private:
+  struct Slot {
+    std::uint32_t hash = 0;
+    EntryId entry = kNoEntry;
+  };
+  static constexpr EntryId kRemoved = kNoEntry - 1;
+
+  static std::uint32_t hashOf(std::string_view key) {
+    const std::uint64_t hash = std::hash<std::string_view>()(key);
+    return static_cast<std::uint32_t>(hash ^ hash >> 32);
+  }
+  std::size_t mask() const { return m_slots.size() - 1; }
+  void put(Slot slot) noexcept {
+    std::size_t at = slot.hash & mask();
+    while (m_slots[at].entry != kNoEntry) at = (at + 1) & mask();
+    m_slots[at] = slot;
+  }
+
+  std::vector<Slot> m_slots;  // a power of two, or none
+  std::size_t m_used = 0;     // slots that are not empty, those of removed entries included; at most 3 of 4
+};
+
+}  // namespace cfgstore
+
+#endif  // CFGMIG_LIBCFGSTORE_ENTRYINDEX_H

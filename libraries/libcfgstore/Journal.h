@@ -1,0 +1,59 @@
+// Journal.h -- tells the observer of a store about one write.
+
+#ifndef CFGMIG_LIBCFGSTORE_JOURNAL_H
+#define CFGMIG_LIBCFGSTORE_JOURNAL_H
+
+#include <cstddef>
+#include <initializer_list>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "ConfigStore.h"
+#include "Document.h"
+
+namespace cfgstore {
+
+// Made before the write, so that no memory is needed after it. Costs nothing when nobody observes the store.
+class JournalEntry {
+ public:
+  JournalEntry(ConfigStore& store, Operation operation, const char* dn, const char* attribute,
+               std::vector<std::string_view> values)
+      : m_observer(store.observer()),
+        m_document(store.document()),
+        m_editsBefore(m_document.edits()),
+        m_write{operation, view(dn), view(attribute), std::move(values), 0} {}
+
+  // Null values are left out.
+  JournalEntry(ConfigStore& store, Operation operation, const char* dn, const char* attribute,
+               std::initializer_list<const char*> values)
+      : JournalEntry(store, operation, dn, attribute, std::vector<std::string_view>()) {
+    if (!m_observer) return;
+    m_write.values.reserve(values.size());
+    for (const char* value : values) {
+      if (value != nullptr) m_write.values.emplace_back(value);
+    }
+  }
+
+  // Reports the write with its result, and returns the result.
+  int finish(int rc) {
+    if (m_observer) {
+      m_write.rc = rc;
+      m_write.changed = m_document.edits() != m_editsBefore;
+      m_observer(m_write);
+    }
+    return rc;
+  }
+
+ private:
+  static std::string_view view(const char* text) { return text != nullptr ? text : ""; }
+
+  const Observer& m_observer;
+  const Document& m_document;
+  std::size_t m_editsBefore;
+  Write m_write;
+};
+
+}  // namespace cfgstore
+
+#endif  // CFGMIG_LIBCFGSTORE_JOURNAL_H

@@ -1,0 +1,44 @@
+// LdifReader.h -- reads an LDIF content file (RFC 2849) and finds everything that is wrong with it.
+
+#ifndef CFGMIG_LIBCFGSTORE_LDIFREADER_H
+#define CFGMIG_LIBCFGSTORE_LDIFREADER_H
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "ConfigStore.h"
+#include "EntryIndex.h"
+#include "Line.h"
+#include "TextArena.h"
+
+namespace cfgstore {
+
+// One entry of a file, as positions in the table of its lines. Its lines are those from `first` up to `end`: the
+// comments directly above the dn line, the dn line, attributes and the comments among and directly below them. Blank
+// lines, comments between blank lines, and what stands before the first entry belong to no entry.
+struct EntrySpan {
+  std::size_t first = 0;
+  std::size_t dn = 0;
+  std::size_t end = 0;
+  std::string_view normal;  // the DN in normal form
+};
+
+// What was read. Lines and normal DNs are views into the text and the arena.
+struct LdifContent {
+  std::vector<Line> lines;  // all of the text, in order
+  std::vector<EntrySpan> entries;
+  EntryIndex index;               // entry i of `entries` under the number i + 1
+  std::vector<Problem> problems;  // in the order of their lines; if there are any, the rest is not to be used
+};
+
+// Reads `text`, which has to outlive the result, as has `arena`. Reading goes on after a problem, so that one run shows
+// what there is to mend, but no further than kMostProblems.
+LdifContent readLdif(std::string_view text, TextArena& arena);
+
+constexpr std::size_t kMostProblems = 100;
+
+}  // namespace cfgstore
+
+#endif  // CFGMIG_LIBCFGSTORE_LDIFREADER_H

@@ -1,0 +1,169 @@
+#include "LineWriter.h"
+
+#include <utf8proc.h>
+
+#include <algorithm>
+#include <array>
+#include <numeric>
+
+#include "Base64.h"
+
+namespace cfgstore {
+namespace {
+
+constexpr std::size_t kUsualColumn = 76;  // what RFC 2849 suggests
+constexpr std::size_t kNarrowest = 20;    // files folded more narrowly than this are no example to follow
+constexpr std::size_t kWidest = 255;      // lines are counted by width up to here
+constexpr std::size_t kUsualWidest = 80;  // a line wider than this has not been folded on purpose
+constexpr std::size_t kMostEmptyLines = 3;
+
+bool isContinuationByte(char c) { return (static_cast<unsigned char>(c) & 0xc0) == 0x80; }
+bool isBeyondAscii(char c) { return static_cast<unsigned char>(c) >= 0x80; }
+bool isControl(char c) { return (static_cast<unsigned char>(c) < ' ' && c != '\t') || c == '\x7f'; }
+
+bool isUtf8(std::string_view text) {
+  const auto* at = reinterpret_cast<const utf8proc_uint8_t*>(text.data());
+  auto left = static_cast<utf8proc_ssize_t>(text.size());
+  while (left > 0) {
+    utf8proc_int32_t codePoint = 0;
+    const utf8proc_ssize_t length = utf8proc_iterate(at, left, &codePoint);
+    if (length <= 0) return false;
+    at += length;
+    left -= length;
+  }
+  return true;
+}
+
+bool needsBase64(const Habits& habits, std::string_view value) {
+  if (value.empty()) return false;
+  if (value.front() == ' ' || value.front() == ':' || value.front() == '<' || value.back() == ' ') return true;
+  bool beyondAscii = false;
+  for (const char c : value) {
+    if (isControl(c)) return true;
+    beyondAscii = beyondAscii || isBeyondAscii(c);
+  }
+  return beyondAscii && !(habits.rawUtf8 && isUtf8(value));
+}
+
+// Where to fold before `limit`: not in the middle of a UTF-8 character, and never at `from` itself.
+std::size_t foldAt(std::string_view text, std::size_t from, std::size_t limit) {
+  std::size_t at = limit;
+  while (at > from + 1 && isContinuationByte(text[at])) --at;
+  return at > from + 1 ? at : limit;
+}
+
+// Counts what the lines of a file do.
+class HabitCounter {
+ public:
+  void count(const Line& line);
+  Habits result() const;
+
+ private:
+  void countNamed(const Line& line);
+  std::size_t foldColumn() const;
+
+  std::size_t m_lineFeeds = 0;
+  std::size_t m_returns = 0;
+  std::size_t m_blanksAfterColon = 0;
+  std::size_t m_noBlanksAfterColon = 0;
+  std::size_t m_foldedLines = 0;
+  bool m_rawUtf8 = false;
+  std::array<std::size_t, kWidest + 1> m_foldedAt{};     // by width of the first physical line
+  std::array<std::size_t, kWidest + 2> m_notFoldedAt{};  // the last slot: wider than that
+  std::array<std::size_t, kMostEmptyLines + 1> m_emptyLines{};
+};
+
+void HabitCounter::count(const Line& line) {
+  const std::string_view text = line.text();
+  if (text.ends_with('\n')) ++(text.ends_with("\r\n") ? m_returns : m_lineFeeds);
+  if (line.kind == LineKind::blank) {
+    const auto runLength = static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
+    ++m_emptyLines[std::min(runLength, kMostEmptyLines)];
+  } else if (line.kind == LineKind::attribute || line.kind == LineKind::dn) {
+    countNamed(line);
+  }
+}
+
+void HabitCounter::countNamed(const Line& line) {
+  const std::string_view text = line.text();
+  if ((line.flags & Line::kFolded) != 0) {
+    ++m_foldedLines;
+    const std::size_t width = withoutLineEnd(text.substr(0, text.find('\n') + 1)).size();
+    if (width >= kNarrowest && width <= kWidest) ++m_foldedAt[width];
+  } else {
+    ++m_notFoldedAt[std::min(withoutLineEnd(text).size(), kWidest + 1)];
+  }
+  if (line.flags == 0) {
+    const std::size_t afterColon = line.nameLength + std::size_t{1};
+    if (afterColon < text.size() && text[afterColon] == ' ') {
+      ++m_blanksAfterColon;
+    } else if (afterColon < withoutLineEnd(text).size()) {
+      ++m_noBlanksAfterColon;
+    }
+    m_rawUtf8 = m_rawUtf8 || std::any_of(text.begin(), text.end(), isBeyondAscii);
+  }
+}
+
+std::size_t HabitCounter::foldColumn() const {
+  const auto most = std::max_element(m_foldedAt.begin(), m_foldedAt.end());
+  const auto column = *most == 0 ? kUsualColumn : static_cast<std::size_t>(most - m_foldedAt.begin());
+  const auto wide = static_cast<std::ptrdiff_t>(std::max(column, kUsualWidest)) + 1;
+  const auto notFolded = std::accumulate(m_notFoldedAt.begin() + wide, m_notFoldedAt.end(), std::size_t{0});
+  return notFolded > m_foldedLines ? 0 : column;
+}
+
+Habits HabitCounter::result() const {
+  Habits habits;
+  habits.lineEnd = m_returns > m_lineFeeds ? "\r\n" : "\n";
+  habits.foldColumn = foldColumn();
+  habits.blankAfterColon = m_blanksAfterColon >= m_noBlanksAfterColon;
+  habits.rawUtf8 = m_rawUtf8;
+  const auto most = std::max_element(m_emptyLines.begin(), m_emptyLines.end());
+  if (*most != 0) habits.emptyLinesBetweenEntries = static_cast<std::size_t>(most - m_emptyLines.begin());
+  return habits;
+}
+
+}  // namespace
+
+Habits Habits::of(std::span<const Line> lines) {
+  HabitCounter counter;
+  for (const Line& line : lines) counter.count(line);
+  return counter.result();
+}
+
+std::string writeLine(const Habits& habits, std::string_view name, std::string_view value) {
+  std::string text(name);
+  text += ':';
+  const bool base64 = needsBase64(habits, value);
+  if (base64) text += ':';
+  if (habits.blankAfterColon && !value.empty()) text += ' ';
+  if (base64) {
+    appendBase64(text, value);
+  } else {
+    text += value;
+  }
+
+  std::string line;
+  line.reserve(text.size() + text.size() / 16 + 2);
+  std::size_t from = 0;
+  std::size_t width = habits.foldColumn;
+  while (habits.foldColumn != 0 && text.size() - from > width) {
+    const std::size_t end = foldAt(text, from, from + width);
+    line.append(text, from, end - from);
+    line += habits.lineEnd;
+    line += ' ';
+    from = end;
+    width = habits.foldColumn - 1;
+  }
+  line.append(text, from);
+  line += habits.lineEnd;
+  return line;
+}
+
+std::string writeSeparator(const Habits& habits) {
+  std::string text;
+  for (std::size_t i = 0; i < habits.emptyLinesBetweenEntries; ++i) text += habits.lineEnd;
+  return text;
+}
+
+}  // namespace cfgstore

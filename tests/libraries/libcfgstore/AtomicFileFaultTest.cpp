@@ -1,0 +1,282 @@
+// Whichever system call of a save fails, and wherever the program is stopped, the target is the old file or the new
+// one, whole.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <filesystem>
+
+#include "AtomicFile.h"
+#include "FaultyFileSystem.h"
+#include "TestStore.h"
+
+namespace cfgstore {
+namespace {
+
+using test::FaultyFileSystem;
+using test::readFile;
+using test::Strings;
+using test::TemporaryDirectory;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+constexpr std::time_t kNow = 1700000000;
+constexpr int kMostCalls = 500;
+
+class AtomicFileFault : public testing::Test {
+ protected:
+  enum class Target { source, other, none };
+
+  void prepare(Target target) {
+    for (const std::string& name : m_directory.names()) std::filesystem::remove(m_directory.file(name));
+    m_source.path = m_directory.write("source", kOld);
+    std::string why;
+    const auto read = SourceText::read(m_source.path, why);
+    m_source.resolved = read->resolvedPath();
+    m_source.stamp = read->stamp();
+    m_target = target == Target::source ? m_source.path : m_directory.file("target");
+    if (target == Target::other) m_directory.write("target", kOld);
+    m_existed = target != Target::none;
+    m_before = m_directory.names();
+  }
+
+  // True if it was saved.
+  bool save(FileSystem& files, Backup backup) {
+    try {
+      const SavedFile saved = AtomicFile(files, m_target, m_source).save(m_pieces, backup, kNow);
+      EXPECT_TRUE(saved.result.written);
+      EXPECT_EQ(saved.result.backupPath.empty(), backup == Backup::none || !m_existed);
+      return true;
+    } catch (const SaveError& error) {
+      m_error = error.what();
+      return false;
+    }
+  }
+
+  void expectOldOrNew() {
+    if (!std::filesystem::exists(m_target)) {
+      EXPECT_FALSE(m_existed) << "the target is gone";
+      return;
+    }
+    const std::string content = readFile(m_target);
+    EXPECT_TRUE((m_existed && content == kOld) || content == kNew) << content;
+  }
+
+  // The names that are there and were not before.
+  Strings newNames() {
+    Strings names;
+    for (const std::string& name : m_directory.names()) {
+      if (std::find(m_before.begin(), m_before.end(), name) == m_before.end()) names.push_back(name);
+    }
+    return names;
+  }
+
+  static constexpr const char* kOld = "the old file\n";
+  static constexpr const char* kNew = "the new file, in several pieces\n";
+  std::vector<std::string_view> m_pieces{"the new file", ", ", "in several pieces\n"};
+  TemporaryDirectory m_directory;
+  SourceFile m_source;
+  std::string m_target;
+  std::string m_error;
+  bool m_existed = false;
+  Strings m_before;
+};
+
+constexpr int kErrors[] = {EIO, ENOSPC, EACCES, EPERM, EROFS, EEXIST, ENOSYS};
+
+TEST_F(AtomicFileFault, LeavesTheOldFileAndNothingElseWhicheverCallFails) {
+  for (const Target target : {Target::source, Target::other, Target::none}) {
+    for (const Backup backup : {Backup::none, Backup::keep}) {
+      for (const int error : kErrors) {
+        bool failed = true;
+        for (int n = 1; failed; ++n) {
+          ASSERT_LT(n, kMostCalls) << "the sweep does not end";
+          prepare(target);
+          FaultyFileSystem files;
+          files.failCall(n, error);
+          const bool saved = save(files, backup);
+          failed = files.hasFailed();
+          EXPECT_EQ(files.openFiles(), 0) << files.failedCall();
+          expectOldOrNew();
+          if (!saved) {
+            EXPECT_EQ(std::filesystem::exists(m_target), m_existed) << files.failedCall() << " " << m_error;
+            if (m_existed) {
+              EXPECT_EQ(readFile(m_target), kOld) << files.failedCall() << " " << m_error;
+            }
+            EXPECT_THAT(newNames(), ElementsAre()) << files.failedCall() << " " << m_error;
+            EXPECT_THAT(m_error, HasSubstr(m_target + ": "));
+          } else {
+            EXPECT_EQ(readFile(m_target), kNew) << files.failedCall();
+            const std::size_t expected = (backup == Backup::keep && m_existed ? 1U : 0U) + (m_existed ? 0U : 1U);
+            EXPECT_EQ(newNames().size(), expected) << files.failedCall();
+          }
+        }
+      }
+    }
+  }
+}
+
+TEST_F(AtomicFileFault, GoesOnAfterInterruptedReadsWritesAndSyncs) {
+  prepare(Target::source);
+  FaultyFileSystem all;
+  ASSERT_TRUE(save(all, Backup::keep));
+  int interrupted = 0;
+  for (int n = 1; n <= all.calls(); ++n) {
+    prepare(Target::source);
+    FaultyFileSystem files;
+    files.failCall(n, EINTR);
+    const bool saved = save(files, Backup::keep);
+    for (const char* name : {"write", "pread", "fsync"}) {
+      if (!files.failedCall().ends_with(std::string(" ") + name)) continue;
+      EXPECT_TRUE(saved) << files.failedCall();
+      ++interrupted;
+    }
+    EXPECT_EQ(readFile(m_target), saved ? kNew : kOld);
+  }
+  EXPECT_GE(interrupted, 4);
+}
+
+TEST_F(AtomicFileFault, GoesOnAfterShortReadsAndWrites) {
+  prepare(Target::other);
+  FaultyFileSystem files;
+  files.shorten();
+  EXPECT_TRUE(save(files, Backup::keep));
+  EXPECT_EQ(readFile(m_target), kNew);
+}
+
+// From one call on nothing works any more, as for a program that was killed there. What it leaves is cleared by the
+// next save, and the file that was replaced is not lost.
+TEST_F(AtomicFileFault, LeavesOldOrNewWhereverItIsKilledAndTheNextSaveClearsUp) {
+  for (const Target target : {Target::source, Target::other, Target::none}) {
+    for (const Backup backup : {Backup::none, Backup::keep}) {
+      bool stopped = true;
+      for (int n = 1; stopped; ++n) {
+        ASSERT_LT(n, kMostCalls) << "the sweep does not end";
+        prepare(target);
+        FaultyFileSystem files;
+        files.stopAt(n);
+        save(files, backup);
+        stopped = files.hasFailed();
+        expectOldOrNew();
+
+        if (backup == Backup::keep && m_existed && readFile(m_target) == kNew) {
+          ASSERT_EQ(newNames().size(), 1U) << files.failedCall();
+          EXPECT_EQ(readFile(m_directory.file(newNames()[0])), kOld) << files.failedCall();
+        }
+        // Another program saves something else.
+        std::string why;
+        if (std::filesystem::exists(m_source.path)) m_source.stamp = SourceText::read(m_source.path, why)->stamp();
+        const std::vector<std::string_view> next{"the next file\n"};
+        AtomicFile(FileSystem::real(), m_target, m_source).save(next, Backup::none, kNow + 1);
+        EXPECT_EQ(readFile(m_target), "the next file\n");
+        for (const std::string& name : newNames()) {
+          EXPECT_TRUE(name == "target" || name.ends_with(".bak")) << name << " after " << files.failedCall();
+        }
+      }
+    }
+  }
+}
+
+TEST_F(AtomicFileFault, MakesACopyForTheBackupWhereFilesCannotHaveTwoNames) {
+  prepare(Target::source);
+  ASSERT_EQ(::chmod(m_target.c_str(), 0640), 0);
+  FaultyFileSystem files;
+  files.failAll("link", EPERM);
+  EXPECT_TRUE(save(files, Backup::keep));
+  EXPECT_EQ(readFile(m_target), kNew);
+  ASSERT_EQ(newNames().size(), 1U);
+  const std::string backup = m_directory.file(newNames()[0]);
+  EXPECT_EQ(readFile(backup), kOld);
+  struct stat status {};
+  ASSERT_EQ(::stat(backup.c_str(), &status), 0);
+  EXPECT_EQ(status.st_mode & 07777, 0640U);
+}
+
+TEST_F(AtomicFileFault, SavesWithoutABackupWhereFilesCannotHaveTwoNames) {
+  prepare(Target::source);
+  FaultyFileSystem files;
+  files.failAll("link", EPERM);
+  EXPECT_TRUE(save(files, Backup::none));
+  EXPECT_EQ(readFile(m_target), kNew);
+  EXPECT_THAT(newNames(), ElementsAre());
+}
+
+TEST_F(AtomicFileFault, PlacesANewFileWhereRenamingCannotExclude) {
+  prepare(Target::none);
+  FaultyFileSystem files;
+  files.failAll("renameNoReplace", EINVAL);
+  EXPECT_TRUE(save(files, Backup::none));
+  EXPECT_EQ(readFile(m_target), kNew);
+  EXPECT_THAT(newNames(), ElementsAre("target"));
+}
+
+TEST_F(AtomicFileFault, NamesABackupWhereRenamingCannotExclude) {
+  prepare(Target::source);
+  FaultyFileSystem files;
+  files.failAll("renameNoReplace", EINVAL);
+  EXPECT_TRUE(save(files, Backup::keep));
+  ASSERT_EQ(newNames().size(), 1U);
+  EXPECT_EQ(readFile(m_directory.file(newNames()[0])), kOld);
+}
+
+TEST_F(AtomicFileFault, DoesNotOverwriteAFileThatAppearsInTheMeantime) {
+  for (const char* call : {"fsync", "renameNoReplace"}) {
+    prepare(Target::none);
+    FaultyFileSystem files;
+    files.before(call, [this] { test::writeFile(m_target, "somebody else's\n"); });
+    EXPECT_FALSE(save(files, Backup::none));
+    EXPECT_THAT(m_error, HasSubstr("was created by another program in the meantime"));
+    EXPECT_EQ(readFile(m_target), "somebody else's\n");
+    EXPECT_THAT(newNames(), ElementsAre("target"));
+  }
+}
+
+TEST_F(AtomicFileFault, NoticesAFileThatIsWrittenWhileItIsSaved) {
+  prepare(Target::source);
+  FaultyFileSystem files;
+  files.before("fchmod", [this] { test::writeFile(m_target, "somebody else's\n"); });
+  EXPECT_FALSE(save(files, Backup::none));
+  EXPECT_THAT(m_error, HasSubstr("is being changed by another program"));
+  EXPECT_EQ(readFile(m_target), "somebody else's\n");
+}
+
+TEST_F(AtomicFileFault, NoticesAFileThatIsReplacedWhileItIsOpened) {
+  prepare(Target::source);
+  FaultyFileSystem files;
+  files.before("flock", [this] {
+    test::writeFile(m_directory.file("x"), kOld);
+    std::filesystem::rename(m_directory.file("x"), m_target);
+  });
+  EXPECT_FALSE(save(files, Backup::none));
+  EXPECT_THAT(m_error, HasSubstr("is being changed by another program"));
+  EXPECT_EQ(readFile(m_target), kOld);
+}
+
+TEST_F(AtomicFileFault, IsReadableByItsOwnerOnlyWhileItIsWritten) {
+  prepare(Target::other);
+  ASSERT_EQ(::chmod(m_target.c_str(), 0644), 0);
+  FaultyFileSystem files;
+  mode_t mode = 0;
+  files.before("write", [&] {
+    struct stat status {};
+    ASSERT_EQ(::stat(m_directory.file(".target.cfgmig-new").c_str(), &status), 0);
+    mode = status.st_mode & 07777;
+  });
+  EXPECT_TRUE(save(files, Backup::none));
+  EXPECT_EQ(mode, 0600U);
+  struct stat status {};
+  ASSERT_EQ(::stat(m_target.c_str(), &status), 0);
+  EXPECT_EQ(status.st_mode & 07777, 0644U);
+}
+
+TEST_F(AtomicFileFault, NamesAFullDisk) {
+  prepare(Target::source);
+  FaultyFileSystem files;
+  files.failAll("write", ENOSPC);
+  EXPECT_FALSE(save(files, Backup::keep));
+  EXPECT_EQ(m_error, m_target + ": cannot be written: No space left on device");
+}
+
+}  // namespace
+}  // namespace cfgstore

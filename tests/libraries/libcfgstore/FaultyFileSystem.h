@@ -1,0 +1,108 @@
+// FaultyFileSystem.h -- the real file system, but for the one call that is made to fail.
+
+#ifndef CFGMIG_TESTS_LIBCFGSTORE_FAULTYFILESYSTEM_H
+#define CFGMIG_TESTS_LIBCFGSTORE_FAULTYFILESYSTEM_H
+
+#include <cerrno>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "FileSystem.h"
+
+namespace cfgstore::test {
+
+class FaultyFileSystem : public FileSystem {
+ public:
+  // Makes the call with this number, counted from 1, fail. The other calls are made.
+  void failCall(int number, int error) {
+    m_failAt = number;
+    m_error = error;
+  }
+  // Makes every call from this number on fail, as they do for a program that is killed at that point.
+  void stopAt(int number) { m_stopAt = number; }
+  // Makes every call of this name fail.
+  void failAll(std::string name, int error) {
+    m_failName = std::move(name);
+    m_error = error;
+  }
+  // Writes and reads a byte at a time.
+  void shorten() { m_short = true; }
+  // Calls `action` before the call of this name.
+  void before(std::string name, std::function<void()> action) {
+    m_beforeName = std::move(name);
+    m_action = std::move(action);
+  }
+
+  bool hasFailed() const { return !m_failedCall.empty(); }
+  const std::string& failedCall() const { return m_failedCall; }  // number and name
+  int calls() const { return m_calls; }
+  int openFiles() const { return m_openFiles; }
+
+  int open(const char* path, int flags, mode_t mode) override {
+    if (fails("open")) return -1;
+    const int file = m_real.open(path, flags, mode);
+    if (file >= 0) ++m_openFiles;
+    return file;
+  }
+  // A file is closed even when close reports an error.
+  int close(int file) override {
+    --m_openFiles;
+    const int rc = m_real.close(file);
+    return fails("close") ? -1 : rc;
+  }
+  ssize_t read(int file, void* to, std::size_t size) override {
+    return fails("read") ? -1 : m_real.read(file, to, shortened(size));
+  }
+  ssize_t pread(int file, void* to, std::size_t size, off_t offset) override {
+    return fails("pread") ? -1 : m_real.pread(file, to, shortened(size), offset);
+  }
+  ssize_t write(int file, const void* from, std::size_t size) override {
+    return fails("write") ? -1 : m_real.write(file, from, shortened(size));
+  }
+  int fsync(int file) override { return fails("fsync") ? -1 : m_real.fsync(file); }
+  int fstat(int file, struct stat* status) override { return fails("fstat") ? -1 : m_real.fstat(file, status); }
+  int lstat(const char* path, struct stat* status) override { return fails("lstat") ? -1 : m_real.lstat(path, status); }
+  int fchmod(int file, mode_t mode) override { return fails("fchmod") ? -1 : m_real.fchmod(file, mode); }
+  int fchown(int file, uid_t owner, gid_t group) override {
+    return fails("fchown") ? -1 : m_real.fchown(file, owner, group);
+  }
+  int flock(int file, int operation) override { return fails("flock") ? -1 : m_real.flock(file, operation); }
+  int rename(const char* from, const char* to) override { return fails("rename") ? -1 : m_real.rename(from, to); }
+  int renameNoReplace(const char* from, const char* to) override {
+    return fails("renameNoReplace") ? -1 : m_real.renameNoReplace(from, to);
+  }
+  int link(const char* from, const char* to) override { return fails("link") ? -1 : m_real.link(from, to); }
+  int unlink(const char* path) override { return fails("unlink") ? -1 : m_real.unlink(path); }
+  int realpath(const char* path, std::string& resolved) override {
+    return fails("realpath") ? -1 : m_real.realpath(path, resolved);
+  }
+
+ private:
+  bool fails(const char* name) {
+    ++m_calls;
+    if (m_action && m_beforeName == name) std::exchange(m_action, {})();
+    const bool stopped = m_stopAt != 0 && m_calls >= m_stopAt;
+    if (!stopped && m_calls != m_failAt && m_failName != name) return false;
+    if (m_failedCall.empty()) m_failedCall = "call " + std::to_string(m_calls) + ", " + name;
+    errno = stopped ? EIO : m_error;
+    return true;
+  }
+  std::size_t shortened(std::size_t size) const { return m_short && size > 1 ? 1 : size; }
+
+  FileSystem& m_real = FileSystem::real();
+  int m_calls = 0;
+  int m_failAt = 0;
+  int m_stopAt = 0;
+  int m_error = EIO;
+  std::string m_failName;
+  bool m_short = false;
+  std::string m_beforeName;
+  std::function<void()> m_action;
+  std::string m_failedCall;
+  int m_openFiles = 0;
+};
+
+}  // namespace cfgstore::test
+
+#endif  // CFGMIG_TESTS_LIBCFGSTORE_FAULTYFILESYSTEM_H
