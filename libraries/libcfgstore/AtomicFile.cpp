@@ -238,8 +238,10 @@ std::string AtomicFile::backupName(std::time_t time, int number) const {
   ::localtime_r(&time, &local);
   std::array<char, 32> text{};
   const std::size_t length = std::strftime(text.data(), text.size(), "%Y%m%d-%H%M%S", &local);
-  const std::string suffix = number == 1 ? "" : "-" + std::to_string(number);
-  return m_path + "." + std::string(text.data(), length) + suffix + ".bak";
+  std::string name = m_path + ".";
+  name.append(text.data(), length);
+  if (number > 1) name.append("-").append(std::to_string(number));
+  return name + ".bak";
 }
 
 void AtomicFile::putBack(const std::string& from) {

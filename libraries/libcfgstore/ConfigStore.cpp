@@ -13,9 +13,9 @@ namespace {
 std::string describe(const std::string& path, const std::vector<Problem>& problems) {
   const Problem& first = problems.front();
   std::string text = path;
-  if (first.line != 0) text += ":" + std::to_string(first.line);
-  text += ": " + first.text;
-  if (problems.size() > 1) text += " (and " + std::to_string(problems.size() - 1) + " more)";
+  if (first.line != 0) text.append(":").append(std::to_string(first.line));
+  text.append(": ").append(first.text);
+  if (problems.size() > 1) text.append(" (and ").append(std::to_string(problems.size() - 1)).append(" more)");
   return text;
 }
 

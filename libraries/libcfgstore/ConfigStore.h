@@ -110,9 +110,11 @@ class ConfigStore {
   // Writes the content to `target`, atomically: afterwards the file there is wholly the new one or, after a
   // SaveError, wholly the one that was there before. A target that holds this very content already is not touched.
   // Symbolic links are followed. Mode and owner of a replaced file are kept; a new file gets the mode of the file
-  // that was read. When `target` is the file that was read, saving refuses if it has changed on disk since.
-  // With Backup::keep the file that is replaced is first copied beside it, under a name with the time in it that is
-  // never one that exists.
+  // that was read. With Backup::keep the file that is replaced stays beside it, under a name with the time in it that
+  // is never one that exists.
+  // Refused before anything is written: a target that is the file that was read and has changed on disk since; one
+  // that another program is saving at the same time, or that has a second name (hard link); one whose owner could not
+  // be kept; and what is no regular file.
   SaveResult save(const std::string& target, Backup backup);
 
   Document& document();  // for the store's own code and its tests

@@ -38,7 +38,7 @@ using test::TestStore;
 
 std::string sampleText() {
   std::string text = "version: 1\n\ndn: CN=A, cn=X\nobjectClass: top\nlong: folded\n  value\nb:: Zm9v\n";
-  for (int i = 0; i < 40; ++i) text += "many: " + std::to_string(i) + "\nname" + std::to_string(i) + ": 1\n";
+  for (int i = 0; i < 70; ++i) text += "many: " + std::to_string(i) + "\nname" + std::to_string(i) + ": 1\n";
   return text + "\n# c\n\ndn: CN=B, cn=A, cn=X\ncn: B\n\ndn: CN=C,CN=Y\n";
 }
 
@@ -60,7 +60,7 @@ void sweep(const std::function<void(OVOConfigUtils::CfgUtils&)>& operation) {
     if (!failed) return;
     ASSERT_EQ(store.text(), text) << "changed although allocation " << n << " failed";
     ASSERT_FALSE(store.store().changed());
-    ASSERT_EQ(store.values("CN=A,CN=X", "many").values.size(), 40U);
+    ASSERT_EQ(store.values("CN=A,CN=X", "many").values.size(), 70U);
     operation(store.utils());  // it still works
   }
 }

@@ -5,6 +5,8 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <cstdlib>
+#include <ctime>
 #include <filesystem>
 
 #include "AtomicFile.h"
@@ -268,6 +270,34 @@ TEST_F(AtomicFileFault, IsReadableByItsOwnerOnlyWhileItIsWritten) {
   struct stat status {};
   ASSERT_EQ(::stat(m_target.c_str(), &status), 0);
   EXPECT_EQ(status.st_mode & 07777, 0644U);
+}
+
+TEST_F(AtomicFileFault, NoticesWhatWasNotWrittenAsItShould) {
+  prepare(Target::source);
+  FaultyFileSystem files;
+  files.corrupt();
+  EXPECT_FALSE(save(files, Backup::keep));
+  EXPECT_EQ(m_error, m_target + ": what was written is not what is read back");
+  EXPECT_EQ(readFile(m_target), kOld);
+  EXPECT_THAT(newNames(), ElementsAre());
+}
+
+TEST_F(AtomicFileFault, NamesBackupsByTheirTime) {
+  const char* const zone = std::getenv("TZ");
+  const std::string before = zone != nullptr ? zone : "";
+  ::setenv("TZ", "UTC0", 1);
+  ::tzset();
+  prepare(Target::other);
+  for (const char* content : {"1", "2", "3"}) {
+    m_pieces = {content};
+    EXPECT_TRUE(save(FileSystem::real(), Backup::keep));
+  }
+  EXPECT_THAT(newNames(), ElementsAre("target.20231114-221320-2.bak", "target.20231114-221320-3.bak",
+                                      "target.20231114-221320.bak"));
+  EXPECT_EQ(readFile(m_directory.file("target.20231114-221320.bak")), kOld);
+  EXPECT_EQ(readFile(m_directory.file("target.20231114-221320-3.bak")), "2");
+  zone != nullptr ? ::setenv("TZ", before.c_str(), 1) : ::unsetenv("TZ");
+  ::tzset();
 }
 
 TEST_F(AtomicFileFault, NamesAFullDisk) {

@@ -309,6 +309,14 @@ TEST_F(SetValue, ChangesNothingForTheOnlyValue) {
   expectUnchanged();
 }
 
+TEST_F(SetValue, ChangesNothingForTheOnlyValueThatTheFileHasTwice) {
+  TestStore store("dn: CN=A\na: x\na: x\n");
+  EXPECT_EQ(store.setValue("CN=A", "a", "x"), 0);
+  EXPECT_FALSE(store.store().changed());
+  EXPECT_EQ(store.setValue("CN=A", "a", "y"), 0);
+  EXPECT_EQ(store.text(), "dn: CN=A\na: y\n");
+}
+
 TEST_F(SetValue, RefusesBadArguments) {
   EXPECT_EQ(m_store.setValue(kFrontEnd, "zor-slapdPort", nullptr), kParamError);
   EXPECT_EQ(m_store.setValue(kFrontEnd, nullptr, "x"), kParamError);

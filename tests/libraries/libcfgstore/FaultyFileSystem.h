@@ -6,7 +6,7 @@
 #include <cerrno>
 #include <functional>
 #include <string>
-#include <vector>
+#include <utility>
 
 #include "FileSystem.h"
 
@@ -28,6 +28,8 @@ class FaultyFileSystem : public FileSystem {
   }
   // Writes and reads a byte at a time.
   void shorten() { m_short = true; }
+  // Writes other bytes than those asked for.
+  void corrupt() { m_corrupt = true; }
   // Calls `action` before the call of this name.
   void before(std::string name, std::function<void()> action) {
     m_beforeName = std::move(name);
@@ -58,7 +60,9 @@ class FaultyFileSystem : public FileSystem {
     return fails("pread") ? -1 : m_real.pread(file, to, shortened(size), offset);
   }
   ssize_t write(int file, const void* from, std::size_t size) override {
-    return fails("write") ? -1 : m_real.write(file, from, shortened(size));
+    if (fails("write")) return -1;
+    const std::string other(shortened(size), '?');
+    return m_real.write(file, m_corrupt ? other.data() : from, other.size());
   }
   int fsync(int file) override { return fails("fsync") ? -1 : m_real.fsync(file); }
   int fstat(int file, struct stat* status) override { return fails("fstat") ? -1 : m_real.fstat(file, status); }
@@ -97,6 +101,7 @@ class FaultyFileSystem : public FileSystem {
   int m_error = EIO;
   std::string m_failName;
   bool m_short = false;
+  bool m_corrupt = false;
   std::string m_beforeName;
   std::function<void()> m_action;
   std::string m_failedCall;
