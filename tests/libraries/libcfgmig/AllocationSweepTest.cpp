@@ -17,7 +17,8 @@ int g_made = 0;
 
 }  // namespace
 
-void* operator new(std::size_t size) {
+// Not inlined: a compiler that sees malloc behind one and not behind the other takes them for a mismatch.
+__attribute__((noinline)) void* operator new(std::size_t size) {
   if (!fake::isOutsideLibrary()) {
     ++g_made;
     if (g_failing > 0 && --g_failing == 0) {
@@ -31,8 +32,8 @@ void* operator new(std::size_t size) {
   return block;
 }
 
-void operator delete(void* block) noexcept { std::free(block); }
-void operator delete(void* block, std::size_t) noexcept { std::free(block); }
+__attribute__((noinline)) void operator delete(void* block) noexcept { std::free(block); }
+__attribute__((noinline)) void operator delete(void* block, std::size_t) noexcept { std::free(block); }
 
 namespace {
 

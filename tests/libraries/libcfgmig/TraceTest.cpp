@@ -52,6 +52,8 @@ struct Scenario {
   long result;  // in the exit record
 };
 
+void PrintTo(const Scenario& scenario, std::ostream* out) { *out << scenario.method.name; }
+
 char kNewDn[] = "CN=NEW,CN=CONFIGURATION";
 char kBothDn[] = "CN=BOTH,CN=CONFIGURATION";
 char kPort[] = "zor-slapdPort";
