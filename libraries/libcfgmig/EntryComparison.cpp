@@ -156,8 +156,9 @@ int ConfigFile::compareEntries(char* dn, ConfigFile* cfg2) {
   TraceScope trace(kCompareEntries);
   OVOConfigUtils::CfgUtils& theirStore = *cfg2->getCfgUtils();
 
-  ValueList myValues(*this);
+  trace.result(kIdentical);  // until a difference is found; also what the exit record of an exception carries
   ValueList theirValues(*this);
+  ValueList myValues(*this);
   AttributeWalk mine(m_cfgUtils);
   AttributeWalk theirs(theirStore);
   const Lockstep lockstep(mine, theirs);

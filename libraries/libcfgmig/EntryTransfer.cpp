@@ -226,9 +226,8 @@ int ConfigFile::addCfgEntry(char* dn, ConfigFile* old) {
   walk.open(dn);
   walk.first();
   while (walk.name() != nullptr) {
-    if (source.getParamArrayValueInfo(dn, walk.name(), values.out(), values.countOut()) == 0) {
-      for (int i = 0; i < values.count(); ++i) rc = m_cfgUtils.addValue(dn, walk.name(), values[i]);
-    }
+    source.getParamArrayValueInfo(dn, walk.name(), values.out(), values.countOut());
+    for (int i = 0; i < values.count(); ++i) rc = m_cfgUtils.addValue(dn, walk.name(), values[i]);
     values.release();
     walk.next();
   }

@@ -34,8 +34,8 @@ int ConfigFile::processPlugins(ConfigFile* cfg2, bool legacy) {
   TraceScope trace(kProcessPlugins);
   const char* const backends[] = {legacy ? dn::kLegacyDirectoryBackend : dn::kDirectoryBackend,
                                   legacy ? dn::kLegacySchemaBackend : dn::kSchemaBackend};
-  ValueList mine(*this);
   ValueList theirs(*this);
+  ValueList mine(*this);
   bool releaseFirst = false;
   for (const char* backend : backends) {
     if (releaseFirst) {

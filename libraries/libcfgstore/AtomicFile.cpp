@@ -33,9 +33,10 @@ AtomicFile::AtomicFile(FileSystem& fileSystem, std::string target, const SourceF
       m_file(fileSystem, -1),
       m_directory(fileSystem, -1) {}
 
-SavedFile AtomicFile::save(std::span<const std::string_view> pieces, Backup backup, std::time_t now) {
+SavedFile AtomicFile::save(std::span<const std::string_view> pieces, Backup backup, std::time_t now,
+                           mode_t permissions) {
   try {
-    return saveLocked(pieces, backup, now);
+    return saveLocked(pieces, backup, now, permissions);
   } catch (const FileInUse& error) {
     throw SaveRefused(m_target + ": " + error.what());
   } catch (const FileNotRestored& error) {
@@ -45,7 +46,8 @@ SavedFile AtomicFile::save(std::span<const std::string_view> pieces, Backup back
   }
 }
 
-SavedFile AtomicFile::saveLocked(std::span<const std::string_view> pieces, Backup backup, std::time_t now) {
+SavedFile AtomicFile::saveLocked(std::span<const std::string_view> pieces, Backup backup, std::time_t now,
+                                 mode_t permissions) {
   resolve();
   openTarget();
   SavedFile saved;
@@ -65,7 +67,7 @@ SavedFile AtomicFile::saveLocked(std::span<const std::string_view> pieces, Backu
   NewFile file(m_fileSystem, besideName(m_path, "new"));
   if (m_file) file.setOwner(m_status.st_uid, m_status.st_gid);
   file.write(pieces);
-  file.setMode(m_file ? m_status.st_mode & kPermissions : m_source.stamp.mode & 0777);
+  file.setMode(modeFor(file) & permissions);
   file.check(pieces);
   commit(file, backup, now);
 
@@ -73,6 +75,15 @@ SavedFile AtomicFile::saveLocked(std::span<const std::string_view> pieces, Backu
   if (m_fileSystem.fstat(file.file(), &status) == 0) saved.stamp = FileStamp::of(status);
   saved.result = {true, m_backupPath};
   return saved;
+}
+
+// That of the file that is replaced. A new file gets the mode of the file that was read, without access for a group
+// that is not the same.
+mode_t AtomicFile::modeFor(const NewFile& file) const {
+  if (m_file) return m_status.st_mode & kPermissions;
+  struct stat status {};
+  const bool sameGroup = m_fileSystem.fstat(file.file(), &status) == 0 && status.st_gid == m_source.stamp.group;
+  return m_source.stamp.mode & (sameGroup ? mode_t{0777} : mode_t{0707});
 }
 
 // Finds the file itself behind symbolic links.

@@ -40,11 +40,13 @@ class AtomicFile {
  public:
   AtomicFile(FileSystem& fileSystem, std::string target, const SourceFile& source);
 
-  // Writes the pieces, laid end to end. Throws SaveError. `now` is the time in the name of a backup.
-  SavedFile save(std::span<const std::string_view> pieces, Backup backup, std::time_t now);
+  // Writes the pieces, laid end to end. Throws SaveError. `now` is the time in the name of a backup, `permissions` the
+  // most that anybody may do with the result.
+  SavedFile save(std::span<const std::string_view> pieces, Backup backup, std::time_t now, mode_t permissions = 07777);
 
  private:
-  SavedFile saveLocked(std::span<const std::string_view> pieces, Backup backup, std::time_t now);
+  SavedFile saveLocked(std::span<const std::string_view> pieces, Backup backup, std::time_t now, mode_t permissions);
+  mode_t modeFor(const NewFile& file) const;
   void resolve();
   void openTarget();
   void clearLeftovers(std::time_t now);

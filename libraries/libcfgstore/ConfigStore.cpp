@@ -67,13 +67,15 @@ std::string ConfigStore::text() const {
   return text;
 }
 
-SaveResult ConfigStore::save(const std::string& target, Backup backup) {
+SaveResult ConfigStore::save(const std::string& target, Backup backup, unsigned permissions) {
   const auto pieces = m_state->document.pieces();
   AtomicFile file(FileSystem::real(), target, m_state->source);
-  SavedFile saved = file.save(pieces, backup, std::time(nullptr));
+  SavedFile saved = file.save(pieces, backup, std::time(nullptr), permissions);
   if (saved.isSource) m_state->source.stamp = saved.stamp;
   return std::move(saved.result);
 }
+
+unsigned ConfigStore::permissions() const { return m_state->source.stamp.mode; }
 
 Document& ConfigStore::document() { return m_state->document; }
 

@@ -115,7 +115,12 @@ class ConfigStore {
   // Refused before anything is written: a target that is the file that was read and has changed on disk since; one
   // that another program is saving at the same time, or that has a second name (hard link); one whose owner could not
   // be kept; and what is no regular file.
-  SaveResult save(const std::string& target, Backup backup);
+  // The permission bits of the result are never more than `permissions`, and a new file that does not belong to the
+  // group of the file that was read gives its group no access: a configuration holds secrets.
+  SaveResult save(const std::string& target, Backup backup, unsigned permissions = 07777);
+
+  // The permission bits of the file that was read.
+  unsigned permissions() const;
 
   Document& document();  // for the store's own code and its tests
 

@@ -38,7 +38,7 @@ const char* describeKind(mode_t mode) {
 }  // namespace
 
 FileStamp FileStamp::of(const struct stat& status) {
-  return {status.st_dev, status.st_ino, status.st_size, status.st_mtim, status.st_mode & 07777};
+  return {status.st_dev, status.st_ino, status.st_size, status.st_mtim, status.st_mode & 07777, status.st_gid};
 }
 
 bool FileStamp::isUnchanged(const FileStamp& other) const {

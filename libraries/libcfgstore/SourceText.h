@@ -19,7 +19,8 @@ struct FileStamp {
   ino_t inode = 0;
   off_t size = 0;
   timespec modified{};
-  mode_t mode = 0600;  // permission bits; not part of the comparison
+  mode_t mode = 0600;  // permission bits; neither they nor the group are part of the comparison
+  gid_t group = 0;
 
   static FileStamp of(const struct stat& status);
   bool isSameFile(const FileStamp& other) const { return device == other.device && inode == other.inode; }

@@ -28,10 +28,11 @@ class InventoryIndex {
     return found == m_positions.end() ? -1 : *found->second.rbegin();
   }
 
-  // Follows the removal of position `from`, into which the DN at the position `last` (`moved`) has come.
+  // Follows the removal of position `from`, into which the DN at the position `last` (`moved`) has come. `moved` is
+  // null when the inventory ends with null slots, as that of a getDns that failed does.
   void move(const char* removed, int from, const char* moved, int last) {
     erase(removed, from);
-    if (last == from) return;
+    if (last == from || moved == nullptr) return;
     erase(moved, last);
     m_positions[moved].insert(from);
   }

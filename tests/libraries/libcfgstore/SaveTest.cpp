@@ -145,6 +145,38 @@ TEST_F(Save, GivesANewFileTheModeOfTheFileThatWasRead) {
   }
 }
 
+TEST_F(Save, GivesAGroupThatIsNotTheSameNoAccessToANewFile) {
+  if (::geteuid() != 0) GTEST_SKIP() << "only the superuser can have files of others";
+  ASSERT_EQ(::chown(m_path.c_str(), ::geteuid(), ::getegid() + 1), 0);
+  ASSERT_EQ(::chmod(m_path.c_str(), 0664), 0);
+  open();
+  const std::string target = m_directory.file("new");
+  EXPECT_TRUE(store().save(target, Backup::keep).written);
+  EXPECT_EQ(statusOf(target).st_gid, ::getegid());
+  EXPECT_EQ(statusOf(target).st_mode & 07777, 0604U);
+}
+
+TEST_F(Save, GivesNobodyMoreThanTheCallerAllows) {
+  ASSERT_EQ(::chmod(m_path.c_str(), 0644), 0);
+  open();
+  change();
+  const std::string newFile = m_directory.file("new");
+  store().save(newFile, Backup::none, 0600);
+  EXPECT_EQ(statusOf(newFile).st_mode & 07777, 0600U);
+  const std::string other = m_directory.write("other.ldif", "anything\n");
+  ASSERT_EQ(::chmod(other.c_str(), 0666), 0);
+  store().save(other, Backup::none, 0640);
+  EXPECT_EQ(statusOf(other).st_mode & 07777, 0640U);
+  store().save(m_path, Backup::none, 0604);
+  EXPECT_EQ(statusOf(m_path).st_mode & 07777, 0604U);
+}
+
+TEST_F(Save, TellsThePermissionsOfTheFileThatWasRead) {
+  ASSERT_EQ(::chmod(m_path.c_str(), 0640), 0);
+  open();
+  EXPECT_EQ(store().permissions(), 0640U);
+}
+
 TEST_F(Save, ReplacesAnotherFileAndKeepsItsMode) {
   const std::string target = m_directory.write("other.ldif", "anything\n");
   ASSERT_EQ(::chmod(target.c_str(), 0604), 0);
