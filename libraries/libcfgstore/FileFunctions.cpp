@@ -4,6 +4,7 @@
 
 #include "CfgUtils.h"
 #include "FileCopy.h"
+#include "FileStaging.h"
 #include "NewFile.h"
 
 namespace {
@@ -20,8 +21,11 @@ int doesFileExist(const char* path) {
 
 int copyFile(const char* source, const char* destination, char* /*text*/, int /*reserved*/, int permissions) {
   if (source == nullptr || destination == nullptr) return 0;
+  const auto mode = static_cast<mode_t>(permissions & kMostPermissions);
+  if (cfgstore::FileStaging* const staging = cfgstore::FileStaging::active()) {
+    return staging->stage(source, destination, mode) ? 1 : 0;
+  }
   try {
-    const auto mode = static_cast<mode_t>(permissions & kMostPermissions);
     cfgstore::FileCopy(cfgstore::FileSystem::real(), source, destination, mode).run();
     return 1;
   } catch (const cfgstore::FileError&) {

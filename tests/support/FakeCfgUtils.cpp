@@ -153,6 +153,7 @@ int CfgUtils::getParamArrayValueInfo(const char* dn, const char* attribute, char
         }
         *values = world.resources().newList(*found, fake::Kind::valueBlock);
         *count = static_cast<int>(found->size());
+        world.handsOut(attribute, *values);
         return 0;
       },
       [&] { *values = nullptr, *count = 0; }, dn, attribute);

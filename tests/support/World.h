@@ -73,6 +73,15 @@ class World {
   // Called after every call with its line.
   void onCall(std::function<void(const std::string&)> listener) { m_onCall = std::move(listener); }
   bool wantsCalls() const { return m_keepsCalls || m_onCall; }
+  // Called with every value list before it is handed out, which may be spoilt then.
+  void onList(std::function<void(std::string_view attribute, char** values)> listener) {
+    m_onList = std::move(listener);
+  }
+  void handsOut(std::string_view attribute, char** values) const {
+    if (m_onList) {
+      m_onList(attribute, values);
+    }
+  }
   void called(std::string line);
 
   // The trace. Everything is enabled to begin with.
@@ -105,6 +114,7 @@ class World {
   std::vector<std::string> m_calls;
   bool m_keepsCalls = true;
   std::function<void(const std::string&)> m_onCall;
+  std::function<void(std::string_view, char**)> m_onList;
   std::vector<TraceRecord> m_records;
   std::function<void(const TraceRecord&)> m_onRecord;
   int m_failingAllocation = 0;

@@ -39,10 +39,15 @@ namespace {
 
 using Lines = std::vector<std::string>;
 
-TEST(AllocationSweep, AnyObjectOfTheLibraryMayFindNoMemory) {
+class AllocationSweep : public testing::TestWithParam<SmallPair> {};
+
+INSTANTIATE_TEST_SUITE_P(Migrations, AllocationSweep, testing::ValuesIn(smallPairs()),
+                         [](const testing::TestParamInfo<SmallPair>& pair) { return pair.param.name; });
+
+TEST_P(AllocationSweep, AnyObjectOfTheLibraryMayFindNoMemory) {
   int n = 1;
   for (;; ++n) {
-    SmallMigration migration;
+    SmallMigration migration(GetParam());
     g_made = 0;
     g_failing = n;
     bool thrown = false;

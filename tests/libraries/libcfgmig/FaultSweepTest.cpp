@@ -58,8 +58,8 @@ void expectReport(const SmallMigration& migration, const Strike& strike) {
 }
 
 // How many calls that can go wrong a migration without faults makes.
-int callsThatMayFail() {
-  SmallMigration migration;
+int callsThatMayFail(const SmallPair& pair) {
+  SmallMigration migration(pair);
   migration.run();
   int calls = 0;
   for (const std::string& call : migration.world.callsWithComparisons()) {
@@ -70,9 +70,9 @@ int callsThatMayFail() {
 }
 
 // Fails each call but the two that open the stores, and answers how many there were.
-int sweepFailures(OutParameters outParameters) {
+int sweepFailures(const SmallPair& pair, OutParameters outParameters) {
   for (int n = 1;; ++n) {
-    SmallMigration migration;
+    SmallMigration migration(pair);
     Strike strike;
     watch(migration.world, strike);
     migration.world.faults().fail({.nth = n + 2}, kRc, outParameters);  // after the two openings
@@ -90,8 +90,16 @@ int sweepFailures(OutParameters outParameters) {
   }
 }
 
-TEST(FaultSweep, NothingGoesWrongWithoutAFault) {
-  SmallMigration migration;
+class FaultSweep : public testing::TestWithParam<SmallPair> {
+ protected:
+  const SmallPair& pair = GetParam();
+};
+
+INSTANTIATE_TEST_SUITE_P(Migrations, FaultSweep, testing::ValuesIn(smallPairs()),
+                         [](const testing::TestParamInfo<SmallPair>& pair) { return pair.param.name; });
+
+TEST_P(FaultSweep, NothingGoesWrongWithoutAFault) {
+  SmallMigration migration(pair);
   migration.run();
   EXPECT_EQ(migration.oldDns, 0);
   EXPECT_EQ(migration.newDns, 0);
@@ -100,18 +108,18 @@ TEST(FaultSweep, NothingGoesWrongWithoutAFault) {
   EXPECT_EQ(migration.complaints(), Lines());
 }
 
-TEST(FaultSweep, AnyCallMayFailAndClearItsOutParameters) {
-  EXPECT_EQ(sweepFailures(OutParameters::cleared), callsThatMayFail() - 2);
+TEST_P(FaultSweep, AnyCallMayFailAndClearItsOutParameters) {
+  EXPECT_EQ(sweepFailures(pair, OutParameters::cleared), callsThatMayFail(pair) - 2);
 }
 
-TEST(FaultSweep, AnyCallMayFailAndLeaveItsOutParameters) {
-  EXPECT_EQ(sweepFailures(OutParameters::untouched), callsThatMayFail() - 2);
+TEST_P(FaultSweep, AnyCallMayFailAndLeaveItsOutParameters) {
+  EXPECT_EQ(sweepFailures(pair, OutParameters::untouched), callsThatMayFail(pair) - 2);
 }
 
-TEST(FaultSweep, AnyCallMayThrow) {
+TEST_P(FaultSweep, AnyCallMayThrow) {
   int n = 1;
   for (;; ++n) {
-    SmallMigration migration;
+    SmallMigration migration(pair);
     Strike strike;
     watch(migration.world, strike);
     migration.world.faults().throwAtCall(n);
@@ -135,15 +143,15 @@ TEST(FaultSweep, AnyCallMayThrow) {
     }
     ASSERT_FALSE(testing::Test::HasFailure());
   }
-  EXPECT_EQ(n - 1, callsThatMayFail());
+  EXPECT_EQ(n - 1, callsThatMayFail(pair));
 }
 
-TEST(FaultSweep, FailuresActAlikeWithAndWithoutTrace) {
+TEST_P(FaultSweep, FailuresActAlikeWithAndWithoutTrace) {
   for (int n = 1;; ++n) {
     Lines calls;
     int results[3] = {};
     {
-      SmallMigration migration;
+      SmallMigration migration(pair);
       migration.world.faults().failCall(n, kRc);
       migration.run();
       calls = migration.world.callsWithComparisons();
@@ -153,7 +161,7 @@ TEST(FaultSweep, FailuresActAlikeWithAndWithoutTrace) {
         break;
       }
     }
-    SmallMigration migration;
+    SmallMigration migration(pair);
     migration.world.setEvents(0);
     migration.world.faults().failCall(n, kRc);
     migration.run();
@@ -168,11 +176,11 @@ TEST(FaultSweep, FailuresActAlikeWithAndWithoutTrace) {
 }
 
 // One fault may hide the effect of another: pairs of them, in steps.
-TEST(FaultSweep, TwoCallsMayFail) {
+TEST_P(FaultSweep, TwoCallsMayFail) {
   for (int first = 3;; first += 7) {
     int second = first + 1;
     for (;; second += 11) {
-      SmallMigration migration;
+      SmallMigration migration(pair);
       migration.world.faults().failCall(first, kRc);
       migration.world.faults().failCall(second, kRc, OutParameters::untouched);
       migration.run();
@@ -188,7 +196,7 @@ TEST(FaultSweep, TwoCallsMayFail) {
   }
 }
 
-TEST(FaultSweep, AnyAllocationOfTheLibraryMayFail) {
+TEST_P(FaultSweep, AnyAllocationOfTheLibraryMayFail) {
   const Lines messages[] = {
       {messageOf(kGetDns, "getDns: could not allocate memory for m_cfgDns\n")},
       {messageOf(kGetDns, "getDns: could not allocate memory for m_cfgDns\n")},
@@ -196,7 +204,7 @@ TEST(FaultSweep, AnyAllocationOfTheLibraryMayFail) {
       {messageOf(kMergeConfigFiles, "mergeConfigFiles: failed to allocate memory for updatedEntries\n")}};
   const int results[][3] = {{90, 0, -1}, {0, 90, -1}, {0, 0, 0}, {0, 0, 0}, {0, 0, 1}};
   for (int n = 1; n <= 5; ++n) {
-    SmallMigration migration;
+    SmallMigration migration(pair);
     migration.world.failAllocation(n);
     migration.run();
     EXPECT_EQ(migration.oldDns, results[n - 1][0]) << n;

@@ -15,7 +15,7 @@ using Lines = std::vector<std::string>;
 
 TEST(LinkedWithFakes, AMigrationRunsOnThem) {
   fake::World world(fake::World::Memory::unseen);
-  putSmallPair(world.store("old"), world.store("new"));
+  putSmallPair60(world.store("old"), world.store("new"));
   {
     ConfigFile oldConfig("old", nullptr);
     ConfigFile newConfig("new", nullptr);

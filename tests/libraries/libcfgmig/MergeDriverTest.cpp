@@ -36,10 +36,16 @@ class MergeDriver : public ConfigFileFixture {
     if (record.kind != fake::TraceRecord::Kind::entry) {
       return;
     }
-    for (const fake::Traced& rule : {kAddTo60, kMergeIn60, kProcessIncSchema, kCheck60}) {
+    for (const fake::Traced& step : {kProcessIncSchema, kCheck41, kCheck51, kCheck52, kCheck60}) {
+      if (record.identifier == step.identifier) {
+        steps.emplace_back(step.name);
+      }
+    }
+    for (const fake::Traced& rule :
+         {kAddTo41, kAddTo51, kAddTo52, kAddTo60, kMergeIn41, kMergeIn51, kMergeIn52, kMergeIn60}) {
       if (record.identifier == rule.identifier) {
         steps.emplace_back(rule.name);
-        m_awaitsDn = rule.identifier == kAddTo60.identifier || rule.identifier == kMergeIn60.identifier;
+        m_awaitsDn = true;
       }
     }
   }
@@ -247,9 +253,136 @@ TEST_F(MergeDriver, TheInventoriesStayAsTheyAre) {
   EXPECT_STREQ(newDns[0], "CN=B,CN=CONFIGURATION");
 }
 
+// --- The four versions.
+
+struct Version {
+  const char* version;
+  fake::Traced addTo;
+  fake::Traced mergeIn;
+  fake::Traced check;
+  bool takesSchemasOut;
+  long addExit;  // what the exit record carries of a result of 1
+};
+
+void PrintTo(const Version& version, std::ostream* out) { *out << version.version; }
+
+const Version kVersions[] = {
+    {"4.1", kAddTo41, kMergeIn41, kCheck41, false, 0},
+    {"5.1", kAddTo51, kMergeIn51, kCheck51, false, 1},
+    {"5.2", kAddTo52, kMergeIn52, kCheck52, false, 1},
+    {"6.0", kAddTo60, kMergeIn60, kCheck60, true, 0},
+};
+
+class DispatchTable : public MergeDriver, public testing::WithParamInterface<Version> {
+ protected:
+  const Version& row() const { return GetParam(); }
+
+  void putSchemas() {
+    oldStore().put(m_schema, {{"zor-slapdIncludeSchema", {"V3.user.at", "mine.at"}}, {"zor-slapdSchemaAdditions", {}}});
+    newStore().put(m_schema, {{"zor-slapdIncludeSchema", {"new.at"}}});
+  }
+
+  const std::string m_schema = "CN=ZOR DIRECTORY,CN=SCHEMAS,CN=CONFIGURATION";
+};
+
+INSTANTIATE_TEST_SUITE_P(Rows, DispatchTable, testing::ValuesIn(kVersions),
+                         [](const testing::TestParamInfo<Version>& version) { return version.param.addTo.name + 3; });
+
+TEST_P(DispatchTable, AMergeAddsThenMergesThenChecks) {
+  putBoth("CN=B,CN=CONFIGURATION");
+  putOld("CN=A,CN=CONFIGURATION");
+  putBoth("CN=C,CN=CONFIGURATION");
+  putOld("CN=D,CN=CONFIGURATION");
+  EXPECT_EQ(merge(row().version), 1);
+  const std::string add = row().addTo.name;
+  const std::string mergeIn = row().mergeIn.name;
+  Lines expected = {add + " CN=A,CN=CONFIGURATION", add + " CN=D,CN=CONFIGURATION"};
+  if (row().takesSchemasOut) {
+    expected.emplace_back("processIncSchema");
+  }
+  expected.insert(expected.end(),
+                  {mergeIn + " CN=B,CN=CONFIGURATION", mergeIn + " CN=C,CN=CONFIGURATION", row().check.name});
+  EXPECT_EQ(steps, expected);
+}
+
+TEST_P(DispatchTable, OnlyTheServersOwnSchemasOf60AreTakenOut) {
+  putSchemas();
+  EXPECT_EQ(merge(row().version), 1);
+  EXPECT_EQ(newStore().values(m_schema, "zor-slapdIncludeSchema"),
+            row().takesSchemasOut ? (Lines{"new.at", "mine.at"}) : (Lines{"new.at", "V3.user.at", "mine.at"}));
+}
+
+TEST_P(DispatchTable, EachDispatcherCallsItsRulePassesItsResultOnAndReportsZero) {
+  putBoth("CN=B,CN=CONFIGURATION");
+  putOld("CN=A,CN=CONFIGURATION");
+  open();
+  EXPECT_EQ(newConfig().processNewEntry(modifiable("CN=A,CN=CONFIGURATION"), &oldConfig(), row().version), 1);
+  EXPECT_EQ(world.trace(),
+            (Lines{entryOf(kProcessNewEntry), entryOf(row().addTo), entryOf(kAddCfgEntry), exitOf(kAddCfgEntry, 1),
+                   exitOf(row().addTo, row().addExit), exitOf(kProcessNewEntry, 0)}));
+  EXPECT_EQ(newConfig().processNewEntry(modifiable("CN=A,CN=CONFIGURATION"), &oldConfig(), row().version), 0);
+  EXPECT_EQ(world.trace().back(), exitOf(kProcessNewEntry, 0));
+
+  world.forgetCalls();
+  EXPECT_EQ(newConfig().processUpdatedEntry(modifiable("CN=B,CN=CONFIGURATION"), &oldConfig(), row().version), 1);
+  EXPECT_EQ(world.trace()[1], entryOf(row().mergeIn));
+  EXPECT_EQ(world.trace().back(), exitOf(kProcessUpdatedEntry, 0));
+  EXPECT_EQ(newConfig().processUpdatedEntry(modifiable("CN=Z,CN=CONFIGURATION"), &oldConfig(), row().version), 0);
+  EXPECT_EQ(world.trace().back(), exitOf(kProcessUpdatedEntry, 0));
+
+  world.forgetCalls();
+  EXPECT_EQ(newConfig().additionalChecks(&oldConfig(), row().version), 1);
+  EXPECT_EQ(world.trace(), (Lines{entryOf(kAdditionalChecks), entryOf(row().check), exitOf(row().check, 1),
+                                  exitOf(kAdditionalChecks, 0)}));
+}
+
+TEST_P(DispatchTable, AnswersOneWhateverTheRulesAnswer) {
+  putBoth("CN=B,CN=CONFIGURATION");
+  putOld("CN=A,CN=CONFIGURATION");
+  world.faults().fail({.operation = "getFirstEntry", .nth = 0}, 80);
+  world.faults().fail({.operation = "getParamValueInfo", .nth = 0}, 80);
+  world.faults().fail({.operation = "getParamArrayValueInfo", .nth = 0}, 80);
+  world.faults().fail({.operation = "addValue", .nth = 0}, 80);
+  EXPECT_EQ(merge(row().version), 1);
+  EXPECT_EQ(steps.front(), row().addTo.name + std::string(" CN=A,CN=CONFIGURATION"));
+  EXPECT_EQ(steps[steps.size() - 2], row().mergeIn.name + std::string(" CN=B,CN=CONFIGURATION"));
+  EXPECT_EQ(steps.back(), row().check.name);
+  EXPECT_EQ(world.trace().back(), exitOf(kMergeConfigFiles, 1));
+}
+
+TEST_P(DispatchTable, AnEmptyOldInventoryIsStillChecked) {
+  EXPECT_EQ(merge(row().version), 1);
+  EXPECT_EQ(steps, row().takesSchemasOut ? (Lines{"processIncSchema", row().check.name}) : (Lines{row().check.name}));
+}
+
+TEST_P(DispatchTable, FourBytesOfTheVersionCount) {
+  putOld("CN=A,CN=CONFIGURATION");
+  const char version[] = {row().version[0], row().version[1], row().version[2], '\0', 'x'};
+  EXPECT_EQ(merge(version), 1);
+  EXPECT_EQ(steps.front(), row().addTo.name + std::string(" CN=A,CN=CONFIGURATION"));
+  for (const char* more : {"0", ".1", " ", "\t"}) {
+    EXPECT_EQ(merge((row().version + std::string(more)).c_str()), 1);
+    EXPECT_EQ(steps, Lines()) << row().version << more;
+  }
+}
+
+TEST_P(DispatchTable, WhatARuleThrowsPassesThroughEveryFrame) {
+  putBoth("CN=B,CN=CONFIGURATION");
+  open();
+  world.faults().throwAt({.store = "old", .operation = "getFirstEntry"});
+  EXPECT_THROW(newConfig().mergeConfigFiles(&oldConfig(), row().version), fake::Thrown);
+  Lines lines = world.trace();
+  ASSERT_GE(lines.size(), 4U);
+  lines.erase(lines.begin(), lines.end() - 4);
+  EXPECT_EQ(lines, (Lines{exitOf(kMergeCfgEntry, 0), exitOf(row().mergeIn, 0), exitOf(kProcessUpdatedEntry, 0),
+                          exitOf(kMergeConfigFiles, 0)}));
+}
+
+// --- Other versions.
+
 TEST_F(MergeDriver, AnUnknownVersionMergesNothingAndSucceeds) {
-  for (const char* version :
-       {"", "6", "6.", "6.0.1", "6.00", "6.0 ", " 6.0", "6.1", "4.10", "4.1.0", "5.10", "5.3", "7.0"}) {
+  for (const char* version : {"", "6", "6.", "6.0.1", "6.00", "6.0 ", " 6.0", "6.1", "4.10", "4.1.0", "4.0", "4.2",
+                              "5.10", "5.20", "5.0", "5.3", "7.0"}) {
     oldStore().clear();
     newStore().clear();
     putBoth("CN=B,CN=CONFIGURATION");

@@ -13,63 +13,109 @@ namespace {
 
 using fake::Attribute;
 
-const std::vector<std::string> kDns = {"CN=CONFIGURATION",
-                                       "CN=DIRECTORY,CN=RDBM BACKENDS,CN=ZOR DIRECTORY,CN=SCHEMAS,CN=CONFIGURATION",
-                                       "CN=ADMIN,CN=CONFIGURATION",
-                                       "CN=SSL,CN=CONFIGURATION",
-                                       "CN=ZOR DIRECTORY,CN=SCHEMAS,CN=CONFIGURATION",
-                                       "CN=AUDIT,CN=CONFIGURATION",
-                                       "CN=ADMIN AUDIT,CN=CONFIGURATION",
-                                       "CN=AUDIT,CN=LOG MANAGEMENT,CN=CONFIGURATION",
-                                       "CN=ADMIN AUDIT,CN=LOG MANAGEMENT,CN=CONFIGURATION",
-                                       "CN=ZORSLAPD,CN=LOG MANAGEMENT,CN=CONFIGURATION",
-                                       "CN=REPLICATION,CN=CONFIGURATION",
-                                       "CN=ONE,CN=CONFIGURATION",
-                                       "CN=TWO,CN=ONE,CN=CONFIGURATION"};
+// What the rules of one version look at, and something besides.
+struct Vocabulary {
+  std::string version;
+  std::vector<std::string> dns;
+  std::vector<std::string> names;
+  std::vector<std::string> values;
+};
 
-const std::vector<std::string> kNames = {"zor-slapdSupportedWebAdmVersion",
-                                         "zor-slapdErrorLog",
-                                         "zor-slapdTraceMessageLog",
-                                         "zor-slapdSortSrchAllowNonAdmin",
-                                         "zor-slapdPagedResAllowNonAdmin",
-                                         "zor-slapdPort",
-                                         "zor-slapdSecurePort",
-                                         "zor-slapdSysLogLevel",
-                                         "zor-slapdMaxPendingChangesDisplayed",
-                                         "zor-slapdPwEncryption",
-                                         "zor-slapdBulkloadErrors",
-                                         "zor-slapdCLIErrors",
-                                         "zor-slapdPlugin",
-                                         "zor-slapdSchemaAdditions",
-                                         "zor-slapdIncludeSchema",
-                                         "zor-slapdVersion",
-                                         "zor-slapdLog",
-                                         "zor-auditVersion",
-                                         "zor-auditLog",
-                                         "zor-audit",
-                                         "zor-slapdLogOptions",
-                                         "zor-slapdReplMaxErrors",
-                                         "zor-slapdSuffix",
-                                         "zor-slapdSetenv",
-                                         "zor-slapdReferral",
-                                         "zor-slapdCachedAttribute",
-                                         "description"};
+const std::vector<std::string> kCommonNames = {
+    "zor-slapdVersion", "zor-slapdPort",     "zor-slapdErrorLog", "zor-slapdPlugin",          "zor-slapdSetenv",
+    "zor-slapdSuffix",  "zor-slapdReferral", "description",       "zor-slapdCachedAttribute", "zor-slapdPagedResLmt"};
 
-const std::vector<std::string> kValues = {"m",
-                                          "M",
-                                          "h",
-                                          "IMASK",
-                                          "imask",
-                                          "sha",
-                                          "1",
-                                          "2",
-                                          "a nonblocking b",
-                                          "nonblocking maxskippedreplerrors=5",
-                                          "maxskippedreplerrors=6 x nonblocking",
-                                          "maxskippedreplerrors=7",
-                                          "/etc/V3.modifiedschema",
-                                          "V3.user.at",
-                                          "my.oc"};
+const std::vector<std::string> kLegacyDns = {"cn=ZOR Halvorn, CN=SCHEMAS,CN=CONFIGURATION",
+                                             "cn=LDCF BACKENDS, cn=ZOR Halvorn, CN=SCHEMAS,CN=CONFIGURATION",
+                                             "cn=RDBM BACKENDS, cn=ZOR Halvorn, CN=SCHEMAS,CN=CONFIGURATION",
+                                             "cn=SCHEMADB, cn=LDCF BACKENDS, cn=ZOR Halvorn, CN=SCHEMAS,"
+                                             "CN=CONFIGURATION",
+                                             "cn=DIRECTORY, cn=RDBM BACKENDS, cn=ZOR Halvorn, CN=SCHEMAS,"
+                                             "CN=CONFIGURATION",
+                                             "cn=CHANGE LOG, cn=RDBM BACKENDS, cn=ZOR Halvorn, CN=SCHEMAS,"
+                                             "CN=CONFIGURATION"};
+
+const std::vector<std::string> kCurrentDns = {
+    "CN=ZOR DIRECTORY,CN=SCHEMAS,CN=CONFIGURATION",
+    "CN=LDCF BACKENDS,CN=ZOR DIRECTORY,CN=SCHEMAS,CN=CONFIGURATION",
+    "CN=RDBM BACKENDS,CN=ZOR DIRECTORY,CN=SCHEMAS,CN=CONFIGURATION",
+    "CN=SCHEMADB,CN=LDCF BACKENDS,CN=ZOR DIRECTORY,CN=SCHEMAS,CN=CONFIGURATION",
+    "CN=DIRECTORY,CN=RDBM BACKENDS,CN=ZOR DIRECTORY,CN=SCHEMAS,CN=CONFIGURATION",
+    "CN=CHANGE LOG,CN=RDBM BACKENDS,CN=ZOR DIRECTORY,CN=SCHEMAS,CN=CONFIGURATION"};
+
+const std::vector<std::string> kCommonDns = {"CN=CONFIGURATION", "CN=FRONT END,CN=CONFIGURATION",
+                                             "CN=MASTER SERVER,CN=CONFIGURATION", "CN=ONE,CN=CONFIGURATION",
+                                             "CN=TWO,CN=ONE,CN=CONFIGURATION"};
+
+std::vector<std::string> joined(std::initializer_list<std::vector<std::string>> lists) {
+  std::vector<std::string> result;
+  for (const auto& list : lists) {
+    result.insert(result.end(), list.begin(), list.end());
+  }
+  return result;
+}
+
+const Vocabulary k41 = {"4.1",
+                        joined({kCommonDns, kLegacyDns, {kCurrentDns[4]}}),
+                        joined({kCommonNames,
+                                {"zor-slapdDbName", "zor-slapdDbInstance", "zor-slapdDbLocation", "zor-slapdDbUserPW",
+                                 "zor-slapdDbUserID"}}),
+                        {"1", "2", "preoperation CLInit", "a CLInit b", "clinit", "database c"}};
+
+const Vocabulary k51 = {
+    "5.1",
+    joined({kCommonDns, kLegacyDns, kCurrentDns}),
+    joined({kCommonNames,
+            {"zor-slapdSortSrchAllowNonAdmin", "zor-slapdPagedResAllowNonAdmin", "zor-slapdIdleTimeOut",
+             "zor-slapdSortKeyLimit", "zor-slapdPagedSizeLmt", "zor-slapdPagedResAllowAnon",
+             "zor-slapdSortSrchAllowAnon", "zor-slapdMasterDN", "zor-slapdMasterPW", "zor-slapdPeerDN",
+             "zor-slapdPeerPW", "zor-slapdMasterReferral", "ZOR-SLAPDMIGRATIONINFO"}}),
+    {"1", "2", "ACLCACHE=YES", "aclcache=NO", "RDBM_FCACHE_SIZE=1", "RDBM_CACHE_BYPASS_LIMIT=2", "a CLInit"}};
+
+const Vocabulary k52 = {"5.2",
+                        joined({kCommonDns, kCurrentDns, {kLegacyDns[5]}}),
+                        joined({kCommonNames,
+                                {"zor-slapdSupportedWebAdmVersion", "zor-slapdACLAccess", "zor-slapdPageSizeLmt",
+                                 "zor-slapdPagedSizeLmt", "zor-slapdChangeLogMaxAge"}}),
+                        {"0", "1", "2", "ACLCACHE=YES", "a CLInit"}};
+
+const Vocabulary k60 = {
+    "6.0",
+    {"CN=CONFIGURATION", "CN=DIRECTORY,CN=RDBM BACKENDS,CN=ZOR DIRECTORY,CN=SCHEMAS,CN=CONFIGURATION",
+     "CN=ADMIN,CN=CONFIGURATION", "CN=SSL,CN=CONFIGURATION", "CN=ZOR DIRECTORY,CN=SCHEMAS,CN=CONFIGURATION",
+     "CN=AUDIT,CN=CONFIGURATION", "CN=ADMIN AUDIT,CN=CONFIGURATION", "CN=AUDIT,CN=LOG MANAGEMENT,CN=CONFIGURATION",
+     "CN=ADMIN AUDIT,CN=LOG MANAGEMENT,CN=CONFIGURATION", "CN=ZORSLAPD,CN=LOG MANAGEMENT,CN=CONFIGURATION",
+     "CN=REPLICATION,CN=CONFIGURATION", "CN=ONE,CN=CONFIGURATION", "CN=TWO,CN=ONE,CN=CONFIGURATION"},
+    {"zor-slapdSupportedWebAdmVersion",
+     "zor-slapdErrorLog",
+     "zor-slapdTraceMessageLog",
+     "zor-slapdSortSrchAllowNonAdmin",
+     "zor-slapdPagedResAllowNonAdmin",
+     "zor-slapdPort",
+     "zor-slapdSecurePort",
+     "zor-slapdSysLogLevel",
+     "zor-slapdMaxPendingChangesDisplayed",
+     "zor-slapdPwEncryption",
+     "zor-slapdBulkloadErrors",
+     "zor-slapdCLIErrors",
+     "zor-slapdPlugin",
+     "zor-slapdSchemaAdditions",
+     "zor-slapdIncludeSchema",
+     "zor-slapdVersion",
+     "zor-slapdLog",
+     "zor-auditVersion",
+     "zor-auditLog",
+     "zor-audit",
+     "zor-slapdLogOptions",
+     "zor-slapdReplMaxErrors",
+     "zor-slapdSuffix",
+     "zor-slapdSetenv",
+     "zor-slapdReferral",
+     "zor-slapdCachedAttribute",
+     "description"},
+    {"m", "M", "h", "IMASK", "imask", "sha", "1", "2", "a nonblocking b", "nonblocking maxskippedreplerrors=5",
+     "maxskippedreplerrors=6 x nonblocking", "maxskippedreplerrors=7", "/etc/V3.modifiedschema", "V3.user.at",
+     "my.oc"}};
 
 rc::Gen<std::string> anyLetterCase(const std::string& name) {
   return rc::gen::map(rc::gen::inRange(0, 4), [name](int variant) {
@@ -86,10 +132,10 @@ rc::Gen<std::string> anyLetterCase(const std::string& name) {
 }
 
 // Some different values, in random order.
-std::vector<std::string> someValues() {
+std::vector<std::string> someValues(const Vocabulary& words) {
   std::vector<std::string> values;
   for (int n = *rc::gen::weightedElement<int>({{6, 1}, {3, 2}, {2, 4}}); n > 0; --n) {
-    const std::string value = *rc::gen::elementOf(kValues);
+    const std::string value = *rc::gen::elementOf(words.values);
     if (std::find(values.begin(), values.end(), value) == values.end()) {
       values.push_back(value);
     }
@@ -97,15 +143,15 @@ std::vector<std::string> someValues() {
   return values;
 }
 
-std::vector<Attribute> someAttributes() {
+std::vector<Attribute> someAttributes(const Vocabulary& words) {
   std::vector<Attribute> attributes;
   const auto add = [&](const std::string& name, std::vector<std::string> values) {
     const auto at = attributes.begin() + *rc::gen::inRange<std::ptrdiff_t>(0, std::ssize(attributes) + 1);
     attributes.insert(at, {*anyLetterCase(name), std::move(values)});
   };
-  for (const std::string& name : kNames) {
+  for (const std::string& name : words.names) {
     if (*rc::gen::inRange(0, 3) == 0) {
-      add(name, someValues());
+      add(name, someValues(words));
     }
   }
   if (*rc::gen::inRange(0, 12) != 0) {
@@ -118,24 +164,24 @@ std::vector<Attribute> someAttributes() {
   return attributes;
 }
 
-void fill(fake::Content& content) {
-  std::vector<std::string> dns = kDns;
+void fill(fake::Content& content, const Vocabulary& words) {
+  std::vector<std::string> dns = words.dns;
   // A random order, drawn so that a failing case shrinks towards the plain one.
   for (std::size_t i = dns.size() - 1; i > 0; --i) {
     std::swap(dns[i], dns[i - *rc::gen::inRange<std::size_t>(0, i + 1)]);
   }
   for (const std::string& dn : dns) {
     if (*rc::gen::inRange(0, 4) != 0) {
-      content.put(*anyLetterCase(dn), someAttributes());
+      content.put(*anyLetterCase(dn), someAttributes(words));
     }
   }
 }
 
 // A pair of configurations with their oracles.
 struct Pair {
-  Pair() {
-    fill(world.store("old"));
-    fill(world.store("new"));
+  explicit Pair(const Vocabulary& words) {
+    fill(world.store("old"), words);
+    fill(world.store("new"), words);
     from = oracle::configurationOf(world.store("old"));
     to = oracle::configurationOf(world.store("new"));
     world.setEvents(0);
@@ -156,18 +202,31 @@ struct Pair {
   oracle::Configuration to;
 };
 
-RC_GTEST_PROP(MergeProperty, AWholeMergeLeavesWhatTheOracleSays, ()) {
-  Pair pair;
-  oracle::merge60(pair.from, pair.to);
-  RC_ASSERT(pair.newConfig.mergeConfigFiles(&pair.oldConfig, "6.0") == 1);
+// Merges once and compares; a second merge works on what the first one left, inventories afresh.
+void mergeTwice(const Vocabulary& words) {
+  Pair pair(words);
+  oracle::merge(words.version, pair.from, pair.to);
+  RC_ASSERT(pair.newConfig.mergeConfigFiles(&pair.oldConfig, words.version.c_str()) == 1);
+  pair.check();
+  oracle::merge(words.version, pair.from, pair.to);
+  ConfigFile oldAgain("old", nullptr);
+  ConfigFile newAgain("new", nullptr);
+  RC_ASSERT(oldAgain.getDns() == 0);
+  RC_ASSERT(newAgain.getDns() == 0);
+  RC_ASSERT(newAgain.mergeConfigFiles(&oldAgain, words.version.c_str()) == 1);
   pair.check();
 }
 
+RC_GTEST_PROP(MergeProperty, AMergeAndAnotherFrom41LeaveWhatTheOracleSays, ()) { mergeTwice(k41); }
+RC_GTEST_PROP(MergeProperty, AMergeAndAnotherFrom51LeaveWhatTheOracleSays, ()) { mergeTwice(k51); }
+RC_GTEST_PROP(MergeProperty, AMergeAndAnotherFrom52LeaveWhatTheOracleSays, ()) { mergeTwice(k52); }
+RC_GTEST_PROP(MergeProperty, AMergeAndAnotherFrom60LeaveWhatTheOracleSays, ()) { mergeTwice(k60); }
+
 RC_GTEST_PROP(MergeProperty, EachTransferLeavesAndAnswersWhatTheOracleSays, ()) {
-  Pair pair;
+  Pair pair(k60);
   for (int n = 0; n < 6; ++n) {
-    std::string dn = *rc::gen::elementOf(kDns);
-    std::string newDn = *rc::gen::elementOf(kDns);
+    std::string dn = *rc::gen::elementOf(k60.dns);
+    std::string newDn = *rc::gen::elementOf(k60.dns);
     switch (*rc::gen::inRange(0, 3)) {
       case 0:
         // Entries that exist already are not added in a merge.
@@ -187,20 +246,6 @@ RC_GTEST_PROP(MergeProperty, EachTransferLeavesAndAnswersWhatTheOracleSays, ()) 
         break;
     }
   }
-  pair.check();
-}
-
-RC_GTEST_PROP(MergeProperty, ASecondMergeOfWhatTheFirstLeftDoesSoToo, ()) {
-  // The second merge works on what the first one left, inventories afresh; the oracle does the same.
-  Pair pair;
-  oracle::merge60(pair.from, pair.to);
-  oracle::merge60(pair.from, pair.to);
-  RC_ASSERT(pair.newConfig.mergeConfigFiles(&pair.oldConfig, "6.0") == 1);
-  ConfigFile oldAgain("old", nullptr);
-  ConfigFile newAgain("new", nullptr);
-  RC_ASSERT(oldAgain.getDns() == 0);
-  RC_ASSERT(newAgain.getDns() == 0);
-  RC_ASSERT(newAgain.mergeConfigFiles(&oldAgain, "6.0") == 1);
   pair.check();
 }
 

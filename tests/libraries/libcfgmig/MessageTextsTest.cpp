@@ -1,4 +1,4 @@
-// Every message that the library can write, to the byte. Product tools look for these texts, so misspellings
+// Every message that listing and merging can write, to the byte. Product tools look for these texts, so misspellings
 // ("gerParamValueInfo"), words that do not fit ("setValue" for a deletion) and names of other methods are kept. Whoever
 // mends one changes this list, and should not.
 
@@ -34,6 +34,23 @@ const std::set<Text> kTexts = {
     {kMergeConfigFiles.identifier, 0xc8110000, "mergeConfigFiles: cfg2Dns is NULL\n"},
     {kMergeConfigFiles.identifier, 0xc8110000, "mergeConfigFiles: failed to allocate memory for newEntries\n"},
     {kMergeConfigFiles.identifier, 0xc8110000, "mergeConfigFiles: failed to allocate memory for updatedEntries\n"},
+    {kMergeIn41.identifier, 0xc8110000, "mergeIn41: delValue for %s returned rc=%d\n"},
+    {kMergeIn41.identifier, 0xc8110000, "mergeIn41: delValue for %s returned rc=%d, i=%d\n"},
+    {kReplAddEntry.identifier, 0xc8110000, "replAddEntry: addValue for %s returned rc=%d\n"},
+    {kReplAddEntry.identifier, 0xc8110000, "replAddEntry: addValue for ZOR-SLAPDPENDINGMIGRATION returned rc=%d\n"},
+    {kReplAddEntry.identifier, 0xc8110000, "replAddEntry: getParamArrayValueInfo(replica) for %s returned rc=%d\n"},
+    {kReplAddEntry.identifier, 0xc8110000, "replAddEntry: getParamValueInfo(replica) for %s returned rc=%d\n"},
+    {kReplAddEntry.identifier, 0xc8110000,
+     "replAddEntry: addValue(replica) for ZOR-SLAPDMIGRATIONINFO returned rc=%d\n"},
+    {kReplAddEntry.identifier, 0xc8110000, "replAddEntry: getParamValueInfo(peer) for %s returned rc=%d\n"},
+    {kReplAddEntry.identifier, 0xc8110000, "replAddEntry: addValue(peer) for ZOR-SLAPDMIGRATIONINFO returned rc=%d\n"},
+    {kReplAddEntry.identifier, 0xc8110000, "replAddEntry: getParamValueInfo for %s returned rc=%d\n"},
+    {kMergeIn51.identifier, 0xc8110000, "mergeIn51: delValue for %s has returned rc=%d\n"},
+    {kMergeIn51.identifier, 0xc8110000, "mergeIn51: delValue for %s has returned rc=%d, i=%d\n"},
+    {kCheck51.identifier, 0xc8110000, "check51: addValue for %s returned rc=%d\n"},
+    {kCheck51.identifier, 0xc8110000, "check51: addValue for ZOR-SLAPDPENDINGMIGRATION returned rc=%d\n"},
+    {kCheck51.identifier, 0xc8110000, "check51: addValue for ZOR-SLAPDMIGRATIONINFO returned rc=%d\n"},
+    {kMergeIn52.identifier, 0xc8110000, "mergeIn52: delValue for %s has returned rc=%d\n"},
     {kAddTo60.identifier, 0xc8110000, "addTo60: setValue for %s returned rc=%d\n"},
     {kAddTo60.identifier, 0xc8110000, "addTo60: delValue for %s returned rc=%d\n"},
     {kMergeIn60.identifier, 0xc8110000, "mergeIn60: delValue for %s has returned rc=%d\n"},
@@ -72,10 +89,10 @@ void collect(const fake::World& world, std::set<Text>& texts) {
   }
 }
 
-TEST(MessageTexts, AreTheseAndNoOthers) {
-  std::set<Text> texts;
-  for (int n = 1;; ++n) {  // a migration in which the n-th call fails
-    SmallMigration migration;
+// Migrations in which the n-th call or the n-th allocation fails.
+void collectFromMigrations(const SmallPair& pair, std::set<Text>& texts) {
+  for (int n = 1;; ++n) {
+    SmallMigration migration(pair);
     migration.world.faults().failCall(n, 80);
     migration.run();
     migration.close();
@@ -84,12 +101,19 @@ TEST(MessageTexts, AreTheseAndNoOthers) {
       break;
     }
   }
-  for (int n = 1; n <= 4; ++n) {  // one in which the n-th allocation fails
-    SmallMigration migration;
+  for (int n = 1; n <= 4; ++n) {
+    SmallMigration migration(pair);
     migration.world.failAllocation(n);
     migration.run();
     migration.close();
     collect(migration.world, texts);
+  }
+}
+
+TEST(MessageTexts, AreTheseAndNoOthers) {
+  std::set<Text> texts;
+  for (const SmallPair& pair : smallPairs()) {
+    collectFromMigrations(pair, texts);
   }
   {
     fake::World world;
@@ -98,7 +122,12 @@ TEST(MessageTexts, AreTheseAndNoOthers) {
     config.isOVOFile(nullptr);
     collect(world, texts);
   }
-  EXPECT_EQ(texts, kTexts);
+  for (const Text& text : kTexts) {
+    EXPECT_TRUE(texts.contains(text)) << "never written: " << text;
+  }
+  for (const Text& text : texts) {
+    EXPECT_TRUE(kTexts.contains(text)) << "not in the list: " << text;
+  }
 }
 
 }  // namespace

@@ -87,10 +87,41 @@ TEST_F(CopyFile, CopiesEmptyAndLargeFiles) {
   }
 }
 
-TEST_F(CopyFile, ReplacesAFileAsAWhole) {
+TEST_F(CopyFile, ReplacesAFileAsAWholeAndKeepsTheOldOneBesideIt) {
   writeFile(m_copy, "old");
+  std::filesystem::permissions(m_copy, std::filesystem::perms(0644));
   EXPECT_NE(copy(m_source, m_copy), 0);
   EXPECT_EQ(readFile(m_copy), readFile(m_source));
+  EXPECT_EQ(modeOf(m_copy), 0660U);
+  const auto names = m_directory.names();
+  ASSERT_THAT(names, ElementsAre("copy", testing::MatchesRegex("copy\\.[0-9]{8}-[0-9]{6}\\.bak"), "source"));
+  EXPECT_EQ(readFile(m_directory.file(names[1])), "old");
+  EXPECT_EQ(modeOf(m_directory.file(names[1])), 0644U);
+}
+
+TEST_F(CopyFile, LeavesAnIdenticalFileAlone) {
+  writeFile(m_copy, readFile(m_source));
+  const auto before = std::filesystem::last_write_time(m_copy);
+  std::filesystem::permissions(m_copy, std::filesystem::perms(0400));
+  EXPECT_NE(copy(m_source, m_copy), 0);
+  EXPECT_EQ(std::filesystem::last_write_time(m_copy), before);
+  EXPECT_EQ(modeOf(m_copy), 0400U);
+  EXPECT_THAT(m_directory.names(), ElementsAre("copy", "source"));
+}
+
+TEST_F(CopyFile, RefusesNamesThatAreNotThoseOfAFile) {
+  for (const char* name : {"", ".", ".."}) {
+    EXPECT_EQ(copy(m_source, m_directory.path() + "/" + name), 0) << name;
+    EXPECT_EQ(copy(m_source, name), 0) << name;
+  }
+  EXPECT_THAT(m_directory.names(), ElementsAre("source"));
+}
+
+TEST_F(CopyFile, RefusesADirectoryThatIsASymbolicLink) {
+  const TemporaryDirectory outside;
+  std::filesystem::create_directory_symlink(outside.path(), m_directory.file("link"));
+  EXPECT_EQ(copy(m_source, m_directory.file("link/copy")), 0);
+  EXPECT_THAT(outside.names(), ElementsAre());
 }
 
 TEST_F(CopyFile, FollowsASymbolicLinkAtTheSource) {
@@ -147,7 +178,9 @@ TEST_F(CopyFile, LeavesOldOrNewWhicheverCallFails) {
       bool failed = true;
       for (int n = 1; failed; ++n) {
         ASSERT_LT(n, 200) << "the sweep does not end";
-        std::filesystem::remove(m_copy);
+        for (const std::string& name : m_directory.names()) {
+          if (name != "source") std::filesystem::remove(m_directory.file(name));
+        }
         if (exists) writeFile(m_copy, "old");
         test::FaultyFileSystem files;
         files.failCall(n, error);
@@ -161,7 +194,7 @@ TEST_F(CopyFile, LeavesOldOrNewWhicheverCallFails) {
         EXPECT_EQ(files.openFiles(), 0);
         if (copied) {
           EXPECT_EQ(readFile(m_copy), readFile(m_source)) << files.failedCall();
-          EXPECT_THAT(m_directory.names(), ElementsAre("copy", "source")) << files.failedCall();
+          EXPECT_EQ(m_directory.names().size(), exists ? 3U : 2U) << "the old file is kept; " << files.failedCall();
         } else if (exists) {
           EXPECT_EQ(readFile(m_copy), "old") << files.failedCall();
           EXPECT_THAT(m_directory.names(), ElementsAre("copy", "source")) << files.failedCall();

@@ -1,0 +1,22 @@
+#include "WholeFile.h"
+
+#include <array>
+#include <cerrno>
+
+#include "NewFile.h"
+
+namespace cfgstore {
+
+std::string readWhole(FileSystem& fileSystem, int file) {
+  std::string content;
+  std::array<char, std::size_t{1} << 16> block;
+  while (true) {
+    const ssize_t got = fileSystem.read(file, block.data(), block.size());
+    if (got < 0 && errno == EINTR) continue;
+    if (got < 0) throw FileError("cannot be read", errno);
+    if (got == 0) return content;
+    content.append(block.data(), static_cast<std::size_t>(got));
+  }
+}
+
+}  // namespace cfgstore

@@ -1,0 +1,17 @@
+// WholeFile.h -- reads a file at one go.
+
+#ifndef CFGMIG_LIBCFGSTORE_WHOLEFILE_H
+#define CFGMIG_LIBCFGSTORE_WHOLEFILE_H
+
+#include <string>
+
+#include "FileSystem.h"
+
+namespace cfgstore {
+
+// What is in the open file from where it is read next. Throws FileError.
+std::string readWhole(FileSystem& fileSystem, int file);
+
+}  // namespace cfgstore
+
+#endif  // CFGMIG_LIBCFGSTORE_WHOLEFILE_H

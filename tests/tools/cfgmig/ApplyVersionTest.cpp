@@ -1,0 +1,124 @@
+// Tests of cfgmig apply for each source version, given or recognised.
+
+#include <gmock/gmock.h>
+
+#include "ExamplePath.h"
+#include "ToolProcess.h"
+#include "Workspace.h"
+
+namespace {
+
+using testing::HasSubstr;
+using testing::Not;
+using testing::StartsWith;
+
+std::string newFileOf(const ExampleSource& source) { return examplePath(std::string(source.version) + "/new.ldif"); }
+
+TEST(ApplyVersion, RecognisesEveryExampleAndSaysFromWhat) {
+  for (const ExampleSource& source : kExampleSources) {
+    const auto result = runTool({"apply", "--old", examplePath(source.oldFile), "--new", newFileOf(source), "-n"});
+    EXPECT_EQ(result.status, 0) << source.oldFile << result.err;
+    EXPECT_EQ(result.err, "");
+    EXPECT_THAT(result.out, HasSubstr("  version  " + std::string(source.version) +
+                                      ", recognised from zor-slapdVersion of CN=CONFIGURATION; 3 entries agree\n"));
+  }
+}
+
+TEST(ApplyVersion, MakesTheSameOfARecognisedVersionAndAGivenOne) {
+  for (const ExampleSource& source : kExampleSources) {
+    const Workspace workspace;
+    const std::vector<std::string> words = {"apply", "--old", examplePath(source.oldFile), "--new", newFileOf(source)};
+    std::vector<std::string> recognised = words;
+    recognised.insert(recognised.end(), {"-o", workspace.path("recognised")});
+    std::vector<std::string> given = words;
+    given.insert(given.end(), {"-o", workspace.path("given"), "--from", source.version});
+    EXPECT_EQ(runTool(recognised).status, 0) << source.oldFile;
+    const auto result = runTool(given);
+    EXPECT_EQ(result.status, 0) << source.oldFile;
+    EXPECT_EQ(result.err, "") << "nothing speaks against the right version";
+    EXPECT_THAT(result.out, Not(HasSubstr("recognised")));
+    EXPECT_EQ(workspace.read("recognised"), workspace.read("given"));
+    EXPECT_NE(workspace.read("given"), "");
+  }
+}
+
+TEST(ApplyVersion, GoesOnWithAnotherVersionThanTheEvidenceSaysAndWarns) {
+  const auto result = runTool(
+      {"apply", "--old", examplePath("5.1/old.ldif"), "--new", examplePath("5.1/new.ldif"), "--from", "6.0", "-n"});
+  EXPECT_EQ(result.status, 0);
+  EXPECT_THAT(result.err,
+              HasSubstr("cfgmig: warning: --from 6.0, but zor-slapdVersion of CN=CONFIGURATION speaks for 5.1\n"));
+  EXPECT_THAT(result.err, HasSubstr("cfgmig: warning: --from 6.0, but the entry cn=ZOR Halvorn, "));
+  EXPECT_THAT(result.out, HasSubstr("(6.0) into"));
+}
+
+TEST(ApplyVersion, StopsWhenTheTwoConfigurationsAreSwapped) {
+  for (const ExampleSource& source : kExampleSources) {
+    const auto result = runTool({"apply", "--old", newFileOf(source), "--new", examplePath(source.oldFile), "-n"});
+    EXPECT_EQ(result.status, 2) << source.oldFile;
+    EXPECT_EQ(result.out, "");
+    EXPECT_THAT(result.err, HasSubstr("the evidence is contradictory"));
+    EXPECT_THAT(result.err, HasSubstr("the entry CN=LOG MANAGEMENT,CN=CONFIGURATION speaks for a server of another"));
+  }
+}
+
+TEST(ApplyVersion, StopsWithoutEvidenceBeforeAnythingIsWritten) {
+  const Workspace workspace;
+  const std::string text = "dn: cn=Configuration\ncn: Configuration\n";
+  workspace.write("old", text);
+  workspace.write("new", text);
+  const auto before = workspace.state();
+  const auto result = runTool({"apply", "--old", workspace.path("old"), "--new", workspace.path("new")});
+  EXPECT_EQ(result.status, 2);
+  EXPECT_EQ(result.out, "");
+  EXPECT_THAT(result.err, HasSubstr("give the version with --from: 4.1, 5.1, 5.2, 6.0"));
+  EXPECT_EQ(workspace.state(), before);
+}
+
+std::string preview(const char* version, const char* oldFile) {
+  const auto result = runTool(
+      {"apply", "--old", examplePath(oldFile), "--new", examplePath(std::string(version) + "/new.ldif"), "-n", "-v"});
+  EXPECT_EQ(result.status, 0) << result.err;
+  return result.out;
+}
+
+TEST(ApplyVersion, CountsTheChangeLogEntryOf41AsLeftBehindByRule) {
+  const std::string out = preview("4.1", "4.1/old.ldif");
+  EXPECT_THAT(out, HasSubstr("  entries  49 old: 12 added, 36 merged, 0 moved, 1 left behind by rule, 0 skipped\n"));
+  EXPECT_THAT(out,
+              HasSubstr("    left     CN=CHANGE LOG,CN=RDBM BACKENDS,CN=ZOR HALVORN,CN=SCHEMAS,CN=CONFIGURATION\n"));
+  EXPECT_THAT(out, HasSubstr("  losses   0\n"));
+}
+
+TEST(ApplyVersion, CountsTheMasterServerEntryOf51AsRebuilt) {
+  for (const char* file : {"5.1/old.ldif", "5.1/old-peer.ldif"}) {
+    const std::string out = preview("5.1", file);
+    EXPECT_THAT(out, HasSubstr("  entries  46 old: 13 added, 26 merged, 6 moved, 1 rebuilt, 0 skipped\n"));
+    EXPECT_THAT(out, HasSubstr("    rebuilt  CN=MASTER SERVER,CN=CONFIGURATION\n"));
+    EXPECT_THAT(out, HasSubstr("  losses   0\n"));
+  }
+}
+
+TEST(ApplyVersion, NamesTheEntryOfAFormerMasterThatTheCheckOf51Adds) {
+  const std::string out = preview("5.1", "5.1/old-former-master.ldif");
+  EXPECT_THAT(out, HasSubstr("  entries  45 old: 13 added, 26 merged, 6 moved, 0 skipped\n"
+                             "  by rule  CN=MASTER SERVER,CN=CONFIGURATION added, which no old entry stands for\n"));
+}
+
+// The rest of the entry ends with the password that is missing, and that is told.
+TEST(ApplyVersion, TellsWhatAReplicaWithoutAPasswordLoses) {
+  const Workspace workspace;
+  const std::string mainEntry = "dn: cn=Configuration\ncn: Configuration\nzor-slapdVersion: 5.1\n";
+  workspace.write("old", mainEntry +
+                             "\ndn: cn=Master Server, cn=Configuration\nobjectClass: top\ncn: Master Server\n"
+                             "zor-slapdMasterDN: cn=x\nzor-slapdMasterReferral: ldap://host\n");
+  workspace.write("new", mainEntry);
+  const auto result = runTool({"apply", "--old", workspace.path("old"), "--new", workspace.path("new")});
+  EXPECT_EQ(result.status, 5) << result.err;
+  EXPECT_THAT(result.out, HasSubstr("1 rebuilt"));
+  EXPECT_THAT(result.out, HasSubstr("replAddEntry: CN=MASTER SERVER,CN=CONFIGURATION was not carried to its end: "
+                                    "addValue for zor-slapdMasterPW returned rc="));
+  EXPECT_THAT(result.out, HasSubstr("zor-slapdMasterReferral"));
+}
+
+}  // namespace

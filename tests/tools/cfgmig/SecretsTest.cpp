@@ -1,0 +1,44 @@
+// Tests of what counts as a secret.
+
+#include "Secrets.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using tool::isSecret;
+
+TEST(Secrets, AreTheValuesOfPasswordAndKeyAttributesInAnyLetterCase) {
+  for (const char* name :
+       {"zor-slapdAdminPW", "ZOR-SLAPDDBUSERPW", "zor-slapdMasterPW", "zor-slapdPeerPW", "zor-slapdKeyStorePW",
+        "userPassword", "userPassword;lang-de", "zor-slapdPrivateKey", "zor-apiToken", "zor-sharedSecret"}) {
+    EXPECT_TRUE(isSecret(name, "x")) << name;
+    EXPECT_TRUE(isSecret(name, "")) << name;
+  }
+}
+
+TEST(Secrets, AreNotSettingsThatAreOnlyAboutPasswords) {
+  for (const char* name : {"zor-slapdPwEncryption", "zor-slapdPwMinLength", "zor-slapdKeyStore", "zor-slapdPort", "cn",
+                           "objectClass", "zor-slapdSortKeyLimit"}) {
+    EXPECT_FALSE(isSecret(name, "SHA")) << name;
+  }
+  EXPECT_FALSE(isSecret("objectclass", "zor-slapdPasswordRules"));
+  EXPECT_FALSE(isSecret("zor-slapdAdminRole", "PasswordReset"));
+}
+
+TEST(Secrets, AreValuesThatSetOne) {
+  for (const char* value : {"DB_PASSWORD=x", "ACME_TOKEN = x", "postoperation lib.so init host=a pw=x", "{sealed}x",
+                            "{AES256}x", "{\"secret\": \"x\"}", "ldap://reader:x@host:389/o=a", "API_KEY=x"}) {
+    EXPECT_TRUE(isSecret("zor-slapdSetenv", value)) << value;
+  }
+}
+
+TEST(Secrets, AreNotOrdinaryValues) {
+  for (const char* value : {"", "=", ":", "LANG=C.UTF-8", "ldap://central.acme.example:389",
+                            "preoperation  libzorldapcl.so CLInit cn=changelog", "mail=a@b", "/opt/acme/pki/ldap4.p12",
+                            "cn=crl reader,o=Acme", "http://host/x@y"}) {
+    EXPECT_FALSE(isSecret("zor-slapdSetenv", value)) << value;
+  }
+}
+
+}  // namespace

@@ -1,0 +1,76 @@
+#include "ToolProcess.h"
+
+#include <fcntl.h>
+#include <stdlib.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <stdexcept>
+
+namespace {
+
+int temporaryFile() {
+  const int file = ::open("/tmp", O_TMPFILE | O_RDWR | O_CLOEXEC, 0600);
+  if (file < 0) throw std::runtime_error("no file for the tool's output");
+  return file;
+}
+
+std::string readAll(int file) {
+  std::string text;
+  std::array<char, 4096> buffer{};
+  off_t offset = 0;
+  for (;;) {
+    const ssize_t count = ::pread(file, buffer.data(), buffer.size(), offset);
+    if (count <= 0) break;
+    text.append(buffer.data(), static_cast<std::size_t>(count));
+    offset += count;
+  }
+  ::close(file);
+  return text;
+}
+
+// In the child: never returns.
+[[noreturn]] void become(const ToolSetup& setup, int out, int err) {
+  const int in = ::open("/dev/null", O_RDONLY);
+  ::dup2(in, STDIN_FILENO);
+  ::dup2(out, STDOUT_FILENO);
+  ::dup2(err, STDERR_FILENO);
+  if (!setup.directory.empty() && ::chdir(setup.directory.c_str()) != 0) ::_exit(126);
+  ::unsetenv("LDTR_EVENTS");
+  ::unsetenv("LDTR_FILE");
+  std::vector<std::string> environment = setup.environment;
+  for (std::string& variable : environment) ::putenv(variable.data());
+  std::vector<std::string> words = {CFGMIG_TOOL};
+  words.insert(words.end(), setup.arguments.begin(), setup.arguments.end());
+  std::vector<char*> pointers;
+  for (std::string& word : words) pointers.push_back(word.data());
+  pointers.push_back(nullptr);
+  ::execv(CFGMIG_TOOL, pointers.data());
+  ::_exit(127);
+}
+
+}  // namespace
+
+ToolProcess::ToolProcess(const ToolSetup& setup)
+    : m_out(setup.outTo.empty() ? temporaryFile() : ::open(setup.outTo.c_str(), O_WRONLY | O_CLOEXEC)),
+      m_err(temporaryFile()) {
+  m_process = ::fork();
+  if (m_process < 0) throw std::runtime_error("the tool cannot be started");
+  if (m_process == 0) become(setup, m_out, m_err);
+}
+
+ToolResult ToolProcess::wait() {
+  int status = 0;
+  while (::waitpid(m_process, &status, 0) < 0 && errno == EINTR) {
+  }
+  const int code = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+  std::string out = readAll(m_out);
+  std::string err = readAll(m_err);
+  return {code, std::move(out), std::move(err)};
+}
+
+ToolResult runTool(const ToolSetup& setup) { return ToolProcess(setup).wait(); }
+
+ToolResult runTool(const std::vector<std::string>& arguments) { return runTool(ToolSetup{arguments}); }

@@ -1,0 +1,91 @@
+// CompareCommand.cpp -- cfgmig compare.
+
+#include <memory>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "Commands.h"
+#include "Comparison.h"
+#include "Configuration.h"
+#include "Failure.h"
+#include "FilePlacement.h"
+#include "NewFile.h"
+#include "PrintableText.h"
+#include "SameFile.h"
+#include "Target.h"
+#include "Tracing.h"
+
+namespace tool {
+namespace {
+
+// The result may hold what only the owner of the configuration may know, also where nothing seems to be a secret.
+constexpr mode_t kOwnerOnly = 0600;
+
+struct Inputs {
+  NamedFile oldFile;
+  NamedFile newFile;
+  NamedFile output;
+};
+
+// Refuses before any file is opened what must not be done.
+Inputs readInputs(const Arguments& arguments) {
+  Inputs inputs{{arguments.value("--old"), "the old configuration"},
+                {arguments.value("--new"), "the new configuration"},
+                {arguments.value("--output"), "the output"}};
+  refuseSameFile(inputs.oldFile, inputs.newFile);
+  const NamedFile trace{traceFile(arguments), "the trace file"};
+  for (const NamedFile& input : {inputs.oldFile, inputs.newFile}) {
+    refuseSameFile(inputs.output, input);
+    refuseSameFile(trace, input);
+  }
+  refuseSameFile(trace, inputs.output);
+  if (inputs.output.path.empty()) return inputs;
+  if (const std::string why = whyNoTarget(inputs.output.path); !why.empty()) {
+    throw Failure(ExitStatus::failed, ldtr::printable(inputs.output.path) + ": cannot be written: " + why);
+  }
+  return inputs;
+}
+
+void writeFile(const std::string& path, const std::string& text, Console& console) {
+  cfgstore::FilePlacement file(cfgstore::FileSystem::real(), path, kOwnerOnly);
+  try {
+    file.place(text, std::time(nullptr));
+  } catch (const cfgstore::FileNotRestored& error) {
+    throw Failure(ExitStatus::notUndone, ldtr::printable(path) + ": " + ldtr::printable(error.what()));
+  } catch (const cfgstore::FileInUse& error) {
+    throw Failure(ExitStatus::blocked, ldtr::printable(path) + ": " + ldtr::printable(error.what()));
+  } catch (const cfgstore::FileError& error) {
+    throw Failure(ExitStatus::failed, ldtr::printable(path) + ": " + ldtr::printable(error.what()));
+  }
+  if (!file.backupPath().empty()) console.err << "cfgmig: kept: " << ldtr::printable(file.backupPath()) << '\n';
+}
+
+}  // namespace
+
+ExitStatus runCompare(const Arguments& arguments, Console& console) {
+  const Inputs inputs = readInputs(arguments);
+  std::vector<std::string> problems;
+  const std::unique_ptr<ConfigFile> oldConfiguration = openConfiguration(inputs.oldFile.path, problems);
+  const std::unique_ptr<ConfigFile> newConfiguration = openConfiguration(inputs.newFile.path, problems);
+  if (!problems.empty()) throw Failure(ExitStatus::failed, problems);
+  startTracing(arguments);
+  readInventory(*oldConfiguration);
+  readInventory(*newConfiguration);
+
+  const Comparison comparison = compare(*oldConfiguration, *newConfiguration, arguments.has("--show-secrets"));
+  const std::string text = arguments.has("--json") ? jsonOf(comparison) : ldifOf(comparison);
+  if (inputs.output.path.empty()) {
+    console.out << text;
+  } else {
+    writeFile(inputs.output.path, text, console);
+  }
+  if (comparison.redacted() > 0) {
+    const std::size_t count = comparison.redacted();
+    console.err << "cfgmig: " << count << (count == 1 ? " value" : " values")
+                << " left out as secret, or possibly so; --show-secrets shows them\n";
+  }
+  return arguments.has("--exit-code") && !comparison.entries.empty() ? ExitStatus::differs : ExitStatus::done;
+}
+
+}  // namespace tool

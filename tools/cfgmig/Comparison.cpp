@@ -1,0 +1,124 @@
+#include "Comparison.h"
+
+#include <strings.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <memory>
+#include <string_view>
+#include <unordered_set>
+
+#include "EntryReading.h"
+#include "Failure.h"
+#include "Secrets.h"
+
+namespace tool {
+namespace {
+
+using Inventory = std::vector<std::string>;
+
+Inventory inventoryOf(const ConfigFile& configuration) {
+  char** const dns = configuration.getCfgDns();
+  return {dns, dns + configuration.getDnNum()};
+}
+
+// The DNs as the file writes them, in the order of the inventory.
+Inventory writtenDns(OVOConfigUtils::CfgUtils& store) {
+  char** list = nullptr;
+  int count = 0;
+  Inventory dns;
+  if (store.getSubordinates("CN=CONFIGURATION", 2, &list, &count) != 0) return dns;
+  for (char** dn = list; *dn != nullptr; ++dn) {
+    dns.emplace_back(*dn);
+    std::free(*dn);
+  }
+  std::free(list);
+  return dns;
+}
+
+ComparedAttribute read(OVOConfigUtils::CfgUtils& store, const std::string& dn, const std::string& name,
+                       bool showSecrets) {
+  ComparedAttribute attribute;
+  attribute.name = name;
+  for (std::string& value : valuesOf(store, dn, name)) {
+    if (!showSecrets && isSecret(name, value)) {
+      ++attribute.redacted;
+    } else {
+      attribute.values.push_back(std::move(value));
+    }
+  }
+  return attribute;
+}
+
+// The library takes the equal plug-ins out of these entries before it compares them, and then finds them different even
+// where they are equal.
+constexpr const char* kThinnedEntries[] = {
+    "CN=DIRECTORY,CN=RDBM BACKENDS,CN=ZOR DIRECTORY,CN=SCHEMAS,CN=CONFIGURATION",
+    "CN=SCHEMADB,CN=LDCF BACKENDS,CN=ZOR DIRECTORY,CN=SCHEMAS,CN=CONFIGURATION",
+    "cn=DIRECTORY, cn=RDBM BACKENDS, cn=ZOR Halvorn, CN=SCHEMAS,CN=CONFIGURATION",
+    "cn=SCHEMADB, cn=LDCF BACKENDS, cn=ZOR Halvorn, CN=SCHEMAS,CN=CONFIGURATION",
+};
+
+bool isEqual(const std::vector<std::string>& left, const std::vector<std::string>& right) {
+  return std::equal(left.begin(), left.end(), right.begin(), right.end(),
+                    [](const std::string& a, const std::string& b) { return strcasecmp(a.c_str(), b.c_str()) == 0; });
+}
+
+// The same attributes with the same values, all in the same order.
+bool isEqualEntry(OVOConfigUtils::CfgUtils& left, OVOConfigUtils::CfgUtils& right, const std::string& dn) {
+  const std::vector<std::string> names = attributesOf(left, dn);
+  return isEqual(names, attributesOf(right, dn)) && std::all_of(names.begin(), names.end(), [&](const auto& name) {
+           return isEqual(valuesOf(left, dn, name), valuesOf(right, dn, name));
+         });
+}
+
+// The thinned entries that are equal, as the inventory names them.
+std::unordered_set<std::string> equalThinnedEntries(OVOConfigUtils::CfgUtils& oldStore,
+                                                    OVOConfigUtils::CfgUtils& newStore) {
+  std::unordered_set<std::string> equal;
+  for (const char* dn : kThinnedEntries) {
+    if (!hasEntry(oldStore, dn) || !hasEntry(newStore, dn) || !isEqualEntry(oldStore, newStore, dn)) continue;
+    const std::unique_ptr<char, decltype(&std::free)> normal(formatDn(dn), &std::free);
+    if (normal) equal.emplace(normal.get());
+  }
+  return equal;
+}
+
+}  // namespace
+
+std::size_t Comparison::redacted() const {
+  std::size_t sum = 0;
+  for (const ComparedEntry& entry : entries) {
+    for (const ComparedAttribute& attribute : entry.attributes) sum += attribute.redacted;
+  }
+  return sum;
+}
+
+Comparison compare(ConfigFile& oldConfiguration, ConfigFile& newConfiguration, bool showSecrets) {
+  OVOConfigUtils::CfgUtils& store = *oldConfiguration.getCfgUtils();
+  const Inventory before = inventoryOf(oldConfiguration);
+  const Inventory written = writtenDns(store);
+  const Inventory others = inventoryOf(newConfiguration);
+  const std::unordered_set<std::string_view> newEntries(others.begin(), others.end());
+  const auto equal = equalThinnedEntries(store, *newConfiguration.getCfgUtils());
+  if (oldConfiguration.compareConfigFiles(&newConfiguration) == 0) {
+    throw Failure(ExitStatus::failed, "the comparison could not begin");
+  }
+
+  const Inventory after = inventoryOf(oldConfiguration);  // in another order
+  const std::unordered_set<std::string_view> left(after.begin(), after.end());
+  Comparison comparison;
+  for (std::size_t i = 0; i < before.size(); ++i) {
+    if (left.count(before[i]) == 0 || equal.count(before[i]) != 0) continue;
+    ComparedEntry& entry = comparison.entries.emplace_back();
+    entry.normalDn = before[i];
+    entry.dn = i < written.size() ? written[i] : before[i];
+    entry.onlyOld = newEntries.count(before[i]) == 0;
+    for (const std::string& name : attributesOf(store, before[i])) {
+      entry.attributes.push_back(read(store, before[i], name, showSecrets));
+    }
+  }
+  return comparison;
+}
+
+}  // namespace tool

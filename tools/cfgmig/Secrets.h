@@ -1,0 +1,16 @@
+// Secrets.h -- which values are not shown unless somebody asks for them.
+
+#ifndef CFGMIG_TOOL_SECRETS_H
+#define CFGMIG_TOOL_SECRETS_H
+
+#include <string_view>
+
+namespace tool {
+
+// True when the attribute holds passwords or keys, or the value seems to hold one: a password in the arguments of a
+// plug-in, in an environment setting, in a URL. Rather too often than too seldom.
+bool isSecret(std::string_view attribute, std::string_view value);
+
+}  // namespace tool
+
+#endif  // CFGMIG_TOOL_SECRETS_H

@@ -1,0 +1,15 @@
+#include <csignal>
+#include <iostream>
+#include <string>
+#include <vector>
+
+#include "RunTool.h"
+
+int main(int argc, char** argv) {
+  // A reader of the output that goes away is told as a failure to write, not by an untimely end.
+  std::signal(SIGPIPE, SIG_IGN);
+  std::ios::sync_with_stdio(false);
+  tool::Console console{std::cout, std::cerr};
+  const std::vector<std::string> words(argv + (argc > 0 ? 1 : 0), argv + argc);
+  return static_cast<int>(tool::runTool(words, console));
+}
