@@ -23,18 +23,21 @@ bool isAboutSetting(const Page& page, const Row& row, const Call& call) {
 }
 
 bool accountsForDeletion(const Page& page, const Row& row, const Call& call) {
-  return row.by == call.method() && (row.fate == Fate::dropped || row.fate == Fate::moved) &&
-         isAboutSetting(page, row, call) && scenario::isAbout(row, call.values.front(), page.rows);
+  const bool takesOut = row.fate == Fate::dropped || row.fate == Fate::moved;
+  if (row.by != call.method() || !takesOut || !isAboutSetting(page, row, call)) return false;
+  return call.values.empty() || scenario::isAbout(row, call.values.front(), page.rows);
 }
 
-// A value that is written: moved here from somewhere else, carried by the rule itself, or its own.
+// A value that is written: moved here from somewhere else, carried by the rule itself, or its own. Where the old
+// configuration has none, the attempt to write none is accounted for as well.
 bool accountsForValue(const Page& page, const Row& row, const Call& call) {
   if (row.by != call.method()) return false;
   if (row.fate == Fate::moved) {
     return pages::sameText(row.goesTo.attribute, call.attribute) && isAt(page, row.goesTo.entry, call);
   }
   const bool writes = row.fate == Fate::carried || row.fate == Fate::addedByRule;
-  return writes && isAboutSetting(page, row, call) && scenario::isAbout(row, call.values.front(), page.rows);
+  if (!writes || !isAboutSetting(page, row, call)) return false;
+  return call.values.empty() || scenario::isAbout(row, call.values.front(), page.rows);
 }
 
 bool accountsFor(const Page& page, const Row& row, const Call& call) {
@@ -44,7 +47,7 @@ bool accountsFor(const Page& page, const Row& row, const Call& call) {
   if (call.operation == "addEntry") {
     return row.by == call.method() && row.fate == Fate::built && isAt(page, row.entry, call);
   }
-  if (call.values.empty()) return isAboutSetting(page, row, call) || accountsForValue(page, row, call);
+  if (call.operation.starts_with("getParam")) return isAboutSetting(page, row, call);
   return call.operation == "delValue" ? accountsForDeletion(page, row, call) : accountsForValue(page, row, call);
 }
 

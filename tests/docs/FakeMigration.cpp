@@ -77,6 +77,7 @@ Outcome migrateComparing(const std::string& version, const Entries& old, const E
   put(world.store("old"), old);
   put(world.store("new"), fresh);
   Outcome outcome;
+  outcome.showsReads = true;
   outcome.oldBefore = contentOf(world.store("old"));
   outcome.newBefore = contentOf(world.store("new"));
   {
@@ -98,7 +99,14 @@ Outcome migrateComparing(const std::string& version, const Entries& old, const E
       }
     });
     world.onCall([&](const std::string& line) {
-      if (line.starts_with("compareDns(")) comparison(methods.back(), line);
+      if (line.starts_with("compareDns(")) {
+        comparison(methods.back(), line);
+        // The first of the two comes from an inventory, so it has no blanks behind its commas.
+        const std::size_t open = line.find('(');
+        const std::string dn = line.substr(open + 1, line.find(", ") - open - 1);
+        outcome.comparisons.push_back({"", "compareDns", dn, "", {}, 0, methods});
+        return;
+      }
       if (line.find('.') < line.find('(')) outcome.calls.push_back(callFrom(line, methods));
     });
     if (newConfig.mergeConfigFiles(&oldConfig, version.c_str()) != 1) throw std::runtime_error("no merge");

@@ -46,7 +46,9 @@ struct Outcome {
   Configuration oldLeft;
   Configuration newBefore;
   Configuration merged;
-  std::vector<Call> calls;           // during the merge; with the embedded store, writes only
+  std::vector<Call> calls;        // during the merge; with the embedded store, writes only
+  std::vector<Call> comparisons;  // of a DN with another, by compareDns; with the embedded store, none
+  bool showsReads = false;
   std::vector<std::string> entered;  // the methods, in the order in which they were called
   std::vector<std::string> failed;   // the method of each debug message, but for those about a list that is null
 };

@@ -84,14 +84,27 @@ std::vector<std::string> TableLine::unnamedSettings() const {
   }
   for (const Row& other : page.rows) {
     // With one of these two the entry would be another kind of entry.
-    const bool decides = other.attribute == "zor-slapdMasterDN" || other.attribute == "zor-slapdPeerDN";
-    if (other.entry != row.entry || other.attribute.empty() || decides) continue;
-    if (!has(named, other.attribute) && !has(settings, other.attribute)) settings.push_back(other.attribute);
+    for (const std::string& name : {other.attribute, other.goesTo.entry == row.entry ? other.goesTo.attribute : ""}) {
+      const bool decides = name == "zor-slapdMasterDN" || name == "zor-slapdPeerDN";
+      if (other.entry != row.entry || name.empty() || decides) continue;
+      if (!has(named, name) && !has(settings, name)) settings.push_back(name);
+    }
   }
   return settings;
 }
 
-void TableLine::expectEntered(const Outcome& outcome) const { EXPECT_THAT(outcome.entered, Contains(row.by)); }
+void TableLine::expectEntered(const Site& site, const Outcome& outcome) const {
+  EXPECT_THAT(outcome.entered, Contains(row.by));
+  const bool isUntouched = row.entry == kAnyEntry && row.presence == Presence::newOnly;
+  if (!outcome.showsReads || isUntouched) return;
+  const auto isInItsHands = [&](const migration::Call& call) {
+    return call.method() == row.by && (samePlace(call.dn, site.oldDn) || samePlace(call.dn, site.newDn));
+  };
+  // One look at its DN is enough where nothing more is done with it.
+  const auto& calls =
+      row.fate == Fate::leftBehind && row.subject == Subject::entry ? outcome.comparisons : outcome.calls;
+  EXPECT_TRUE(std::any_of(calls.begin(), calls.end(), isInItsHands)) << row.by << " had not to do with it";
+}
 
 void TableLine::expectMessage(const Outcome& outcome) const { EXPECT_THAT(outcome.failed, Contains(row.by)); }
 

@@ -73,12 +73,13 @@ class TableLine : public testing::TestWithParam<Line> {
   void expectLost(const ValueCase& one, const Outcome& outcome) const;
   void expectNotAskedFor(const ValueCase& one, const Outcome& outcome) const;
 
-  // That the method of the line ran; that it made a call like this by itself; that the call was made under it.
-  template <class Test>
-  void expectCall(const Outcome& outcome, const char* what, Test test) const;
-  template <class Test>
-  void expectCallUnder(const Outcome& outcome, const char* what, Test test) const;
-  void expectEntered(const Outcome& outcome) const;
+  // That the method of the line had the entry in its hands; that it made a call like this by itself; that the call was
+  // made under it.
+  template <class IsIt>
+  void expectCall(const Outcome& outcome, const char* what, IsIt isIt) const;
+  template <class IsIt>
+  void expectCallUnder(const Outcome& outcome, const char* what, IsIt isIt) const;
+  void expectEntered(const Site& site, const Outcome& outcome) const;
 
   // What is lost is reported, what is left behind is not.
   void expectMessage(const Outcome& outcome) const;

@@ -61,14 +61,14 @@ void TableLine::tryEntry(const Site& site) const {
       EXPECT_FALSE(outcome.merged.has(site.oldDn));
       EXPECT_TRUE(outcome.oldLeft.has(site.oldDn));
       expectNothingWritten(outcome, {kOldValue, "o=old"});
-      expectEntered(outcome);
+      expectEntered(site, outcome);
       break;
     case Fate::lost:
       expectMessage(outcome);
       EXPECT_EQ(outcome.merged.has(site.newDn), !newEntries.empty());
       EXPECT_EQ(valuesOf(kUnnamedSetting), outcome.newBefore.values(site.newDn, kUnnamedSetting));
       expectNothingWritten(outcome, {kOldValue, "o=old"});
-      expectEntered(outcome);
+      expectEntered(site, outcome);
       break;
     case Fate::built:
       EXPECT_TRUE(outcome.merged.has(site.newDn));
@@ -79,7 +79,7 @@ void TableLine::tryEntry(const Site& site) const {
       for (const fake::Attribute& attribute : fresh.attributes) {
         EXPECT_EQ(valuesOf(attribute.name.c_str()), attribute.values) << attribute.name;
       }
-      expectEntered(outcome);
+      expectEntered(site, outcome);
       break;
     default:
       FAIL() << "does not happen to an entry";

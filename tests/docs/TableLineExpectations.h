@@ -51,17 +51,17 @@ inline auto isEntryAddition(const std::string& dn) {
   };
 }
 
-template <class Test>
-void TableLine::expectCall(const Outcome& outcome, const char* what, Test test) const {
+template <class IsIt>
+void TableLine::expectCall(const Outcome& outcome, const char* what, IsIt isIt) const {
   const bool made = std::any_of(outcome.calls.begin(), outcome.calls.end(),
-                                [&](const migration::Call& call) { return call.method() == row.by && test(call); });
+                                [&](const migration::Call& call) { return call.method() == row.by && isIt(call); });
   EXPECT_TRUE(made) << row.by << " did not " << what;
 }
 
-template <class Test>
-void TableLine::expectCallUnder(const Outcome& outcome, const char* what, Test test) const {
+template <class IsIt>
+void TableLine::expectCallUnder(const Outcome& outcome, const char* what, IsIt isIt) const {
   const bool made = std::any_of(outcome.calls.begin(), outcome.calls.end(),
-                                [&](const migration::Call& call) { return has(call.methods, row.by) && test(call); });
+                                [&](const migration::Call& call) { return has(call.methods, row.by) && isIt(call); });
   EXPECT_TRUE(made) << "nothing did " << what << " for " << row.by;
 }
 
