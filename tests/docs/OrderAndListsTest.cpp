@@ -113,6 +113,22 @@ TEST_P(MigrationPage, TellsOfEveryValueOfASetting) {
   }
 }
 
+// An entry that is built anew has what a line says, and a line says so of the rest.
+TEST_P(MigrationPage, TellsEverythingAboutEntriesThatAreBuilt) {
+  for (const Row& row : page.rows) {
+    if (row.fate != Fate::built) continue;
+    SCOPED_TRACE(row.place);
+    const auto isTold = [&](Subject subject, const std::string& attribute) {
+      return std::any_of(page.rows.begin(), page.rows.end(), [&](const Row& other) {
+        return other.entry == row.entry && other.presence == row.presence && other.circumstance == row.circumstance &&
+               other.subject == subject && other.attribute == attribute;
+      });
+    };
+    EXPECT_TRUE(isTold(Subject::attribute, "OBJECTCLASS"));
+    EXPECT_EQ(isTold(Subject::other, ""), row.presence != Presence::neither);
+  }
+}
+
 // A setting that moves needs an entry to move to.
 TEST_P(MigrationPage, TellsWhatBecomesOfAMoveToAnEntryThatIsMissing) {
   for (const Row& row : page.rows) {

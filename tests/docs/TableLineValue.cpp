@@ -69,10 +69,11 @@ void TableLine::addTarget(ValueCase& one) const {
     const bool isMissing = row.circumstance == Circumstance::nothingThere;
     if (isMissing && scenario::areSiblings(row, other) && other.fate == Fate::moved) one.target = other.goesTo;
 
-    // What is left behind is left behind although the rest finds its place.
+    // What does not arrive does not although the rest finds its place.
     const bool isRest = other.entry == row.entry && other.presence == row.presence &&
                         other.circumstance == Circumstance::none && !other.goesTo.attribute.empty();
-    if (row.fate != Fate::leftBehind || !isRest) continue;
+    const bool isAway = row.fate == Fate::leftBehind || row.fate == Fate::lost;
+    if (!isAway || isMissing || !isRest) continue;
     set(one.old, other.attribute, {"the rest"});
     one.fresh.push_back(scenario::entry(page.dn(other.goesTo.entry), {}));
   }
@@ -181,7 +182,7 @@ void TableLine::expectNotAskedFor(const ValueCase& one, const Outcome& outcome) 
     EXPECT_EQ(isInOld, row.subject != Subject::otherInNew) << value;
   }
   expectNothingWritten(outcome, one.trial.concerned);
-  expectEntered(outcome);
+  expectEntered(one.site, outcome);
 }
 
 void TableLine::tryValues(const Site& site) const {

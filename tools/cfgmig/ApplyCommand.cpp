@@ -75,6 +75,20 @@ Account merge(const std::string& version, ConfigFile& oldConfiguration, ConfigFi
   return finished;
 }
 
+// Old passwords and keys come into the result. A file of its own may be read by those only who may read both
+// configurations. The new configuration keeps its permissions, since its server has to read it; what that means is
+// told.
+unsigned permissionsOf(const Request& request, const cfgstore::ConfigStore& oldStore,
+                       const cfgstore::ConfigStore& newStore, Console& console) {
+  constexpr unsigned kOfOthers = 07;
+  if (request.target != request.newPath) return (oldStore.permissions() & newStore.permissions()) | 0600U;
+  if ((newStore.permissions() & ~oldStore.permissions() & kOfOthers) != 0) {
+    console.err << "cfgmig: " << ldtr::printable(request.newPath) << " is open to everybody, unlike "
+                << ldtr::printable(request.oldPath) << ", whose passwords and keys go into it\n";
+  }
+  return kAnyPermissions;
+}
+
 std::string shortcomingOf(const Account& account, const std::optional<SchemaCopies>& schemas) {
   std::string text = account.losses.empty() ? "" : "with losses";
   if (schemas && !schemas->isComplete()) text += (text.empty() ? "" : ", ") + std::string(kSchemaFilesMissing);
@@ -116,7 +130,10 @@ ExitStatus runApply(const Arguments& arguments, Console& console) {
     if (schemas) schemas->tell(true, console.out);
     return tellPreview(store, request.target, console);
   }
-  const cfgstore::SaveResult saved = schemas ? schemas->saveWith(store, request.target) : saveTo(store, request.target);
+  const unsigned permissions =
+      permissionsOf(request, cfgstore::ConfigStore::of(*oldConfiguration->getCfgUtils()), store, console);
+  const cfgstore::SaveResult saved =
+      schemas ? schemas->saveWith(store, request.target, permissions) : saveTo(store, request.target, permissions);
   if (schemas) schemas->tell(false, console.out);
   return tellSaved(saved, request.target, shortcomingOf(account, schemas), console);
 }

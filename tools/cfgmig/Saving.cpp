@@ -23,9 +23,9 @@ void tellNothingToDo(const std::string& target, Console& console) {
 
 }  // namespace
 
-cfgstore::SaveResult saveTo(cfgstore::ConfigStore& store, const std::string& target) {
+cfgstore::SaveResult saveTo(cfgstore::ConfigStore& store, const std::string& target, unsigned permissions) {
   try {
-    return store.save(target, cfgstore::Backup::keep);
+    return store.save(target, cfgstore::Backup::keep, permissions);
   } catch (const cfgstore::SaveRefused& error) {
     throw Failure(ExitStatus::blocked, ldtr::printable(error.what()));
   } catch (const cfgstore::RestoreError& error) {

@@ -10,9 +10,13 @@
 
 namespace tool {
 
-// Writes the store's content to `target`, keeping a file that it replaces. Nothing is told.
+inline constexpr unsigned kAnyPermissions = 07777;
+
+// Writes the store's content to `target`, keeping a file that it replaces. Nothing is told. The result has no more
+// permission bits than `permissions`.
 // Throws Failure: blocked, failed or notUndone.
-cfgstore::SaveResult saveTo(cfgstore::ConfigStore& store, const std::string& target);
+cfgstore::SaveResult saveTo(cfgstore::ConfigStore& store, const std::string& target,
+                            unsigned permissions = kAnyPermissions);
 
 // Tells what a save did. `shortcoming` is empty, or says in a few words what is not as it should be: "with losses".
 // Returns the status of the command: done, or lost when there is a shortcoming or the account cannot be written.

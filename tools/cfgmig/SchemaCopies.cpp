@@ -16,7 +16,6 @@
 #include "MessageListener.h"
 #include "PrintableText.h"
 #include "SameFile.h"
-#include "Saving.h"
 #include "TracedMethod.h"
 
 namespace tool {
@@ -138,11 +137,12 @@ void SchemaCopies::takeBack(const std::vector<std::string>& because) {
   }
 }
 
-cfgstore::SaveResult SchemaCopies::saveWith(cfgstore::ConfigStore& store, const std::string& target) {
+cfgstore::SaveResult SchemaCopies::saveWith(cfgstore::ConfigStore& store, const std::string& target,
+                                            unsigned permissions) {
   commit();
   cfgstore::SaveResult saved;
   try {
-    saved = saveTo(store, target);
+    saved = saveTo(store, target, permissions);
   } catch (const Failure& failure) {
     takeBack(failure.lines());
     throw;

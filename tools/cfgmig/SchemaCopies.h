@@ -13,6 +13,7 @@
 #include "ConfigFile.h"
 #include "ConfigStore.h"
 #include "FileStaging.h"
+#include "Saving.h"
 #include "Target.h"
 
 namespace tool {
@@ -42,7 +43,8 @@ class SchemaCopies {
 
   // Makes the copies, then saves the store. When either fails, everything is as it was before.
   // Throws Failure: as saveTo, failed when a copy fails, notUndone when a copy cannot be taken back.
-  cfgstore::SaveResult saveWith(cfgstore::ConfigStore& store, const std::string& target);
+  cfgstore::SaveResult saveWith(cfgstore::ConfigStore& store, const std::string& target,
+                                unsigned permissions = kAnyPermissions);
 
   // True when every schema file that is not the server's own was found and copied.
   bool isComplete() const;

@@ -48,7 +48,7 @@ TEST_F(Apply, WritesToAnotherFileWithoutABackup) {
   const auto result = apply({"-o", workspace.path("out.ldif")});
   EXPECT_EQ(result.status, 0) << result.err;
   EXPECT_EQ(workspace.read("out.ldif"), sample::kMerged);
-  EXPECT_EQ(workspace.mode("out.ldif"), 0640U) << "no wider than the configuration it was made from";
+  EXPECT_EQ(workspace.mode("out.ldif"), 0600U) << "no wider than either configuration it was made from";
   auto after = workspace.state();
   after.erase("out.ldif");
   EXPECT_EQ(after, before);
@@ -64,6 +64,21 @@ TEST_F(Apply, KeepsAnOutputFileThatWasThereBefore) {
   const auto backups = workspace.namesAfter("out.ldif");
   ASSERT_THAT(backups, SizeIs(1));
   EXPECT_EQ(workspace.read(backups[0]), "something else\n");
+}
+
+TEST_F(Apply, ClosesAnOutputFileThatWasOpenToMorePeople) {
+  workspace.write("out.ldif", "something else\n", 0666);
+  const auto result = apply({"--output", workspace.path("out.ldif")});
+  EXPECT_EQ(result.status, 0) << result.err;
+  EXPECT_EQ(workspace.mode("out.ldif"), 0600U);
+}
+
+TEST_F(Apply, WarnsWhenSecretsGoIntoAConfigurationThatIsOpenToEverybody) {
+  workspace.write("new.ldif", sample::kNew, 0644);
+  const auto result = apply();
+  EXPECT_EQ(result.status, 0) << result.err;
+  EXPECT_THAT(result.err, HasSubstr(workspace.path("new.ldif") + " is open to everybody"));
+  EXPECT_EQ(workspace.mode("new.ldif"), 0644U) << "its server has to read it";
 }
 
 TEST_F(Apply, WritesInPlaceWhenTheOutputIsTheNewConfiguration) {

@@ -34,6 +34,17 @@ TEST(List, TouchesNothing) {
   EXPECT_EQ(workspace.state(), before);
 }
 
+TEST(List, RefusesToTraceIntoTheConfiguration) {
+  const Workspace workspace;
+  workspace.write("old.ldif", sample::kOld);
+  const auto before = workspace.state();
+  const std::string file = workspace.path("old.ldif");
+  const auto result = runTool(ToolSetup{{"list", file}, {"LDTR_FILE=" + file}});
+  EXPECT_EQ(result.status, 2);
+  EXPECT_THAT(result.err, HasSubstr("the trace file and the configuration are one file"));
+  EXPECT_EQ(workspace.state(), before);
+}
+
 TEST(List, LeavesOutWhatIsNotUnderConfiguration) {
   const Workspace workspace;
   workspace.write("f", "dn: cn=other\ncn: other\n\ndn: cn=configuration\ncn: configuration\n");
