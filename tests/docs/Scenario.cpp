@@ -28,6 +28,13 @@ std::string otherCase(std::string text) {
   return text;
 }
 
+std::string lowerCase(std::string text) {
+  for (char& c : text) {
+    if (c >= 'A' && c <= 'Z') c = otherCase({c}).front();
+  }
+  return text;
+}
+
 std::string mixedCase(std::string text) {
   text.front() = otherCase(text).front();
   return text;
@@ -50,7 +57,8 @@ Values nearMisses(const Match& match) {
       case Kind::laterContaining:
       case Kind::eachContaining:
       case Kind::rest:
-        misses.insert(misses.end(), {around(otherCase(text)), text.substr(1)});
+        misses.insert(misses.end(), {around(otherCase(text)), around(lowerCase(text)), text.substr(1),
+                                     text.substr(0, text.size() - 1)});
         break;
       default:
         break;

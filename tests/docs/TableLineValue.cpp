@@ -62,27 +62,28 @@ TableLine::ValueCase TableLine::valueCase(const Site& site, const std::string& a
   return one;
 }
 
+// What a setting of the entry moves to is there, also where the line is about another one: what does not arrive does
+// not although the rest finds its place.
 void TableLine::addTarget(ValueCase& one) const {
   one.target = row.goesTo;
+  const bool isMissing = row.circumstance == Circumstance::nothingThere;
   for (const Row& other : page.rows) {
-    // Where the line is about a target that is missing, its sibling says which.
-    const bool isMissing = row.circumstance == Circumstance::nothingThere;
-    if (isMissing && scenario::areSiblings(row, other) && other.fate == Fate::moved) one.target = other.goesTo;
-
-    // What does not arrive does not although the rest finds its place.
-    const bool isRest = other.entry == row.entry && other.presence == row.presence &&
-                        other.circumstance == Circumstance::none && !other.goesTo.attribute.empty();
+    const bool isMove = other.entry == row.entry && other.presence == row.presence && !other.goesTo.attribute.empty();
+    if (!isMove) continue;
+    // The line about a target that is missing leaves it to its sibling to say which.
+    if (isMissing && scenario::areSiblings(row, other)) one.target = other.goesTo;
+    // An entry that a rule builds is its own target.
+    if (isMissing || other.goesTo.entry == row.entry) continue;
+    const std::string& dn = page.dn(other.goesTo.entry);
+    const auto there = std::find_if(one.fresh.begin(), one.fresh.end(),
+                                    [&](const fake::Entry& entry) { return samePlace(entry.dn, dn); });
+    fake::Entry& target = there == one.fresh.end() ? one.fresh.emplace_back(scenario::entry(dn, {})) : *there;
+    const bool isOwn = !row.goesTo.attribute.empty() && other.place == row.place;
+    if (isOwn && one.newHasIt) set(target, other.goesTo.attribute, {kNewValue});
     const bool isAway = row.fate == Fate::leftBehind || row.fate == Fate::lost;
-    if (!isAway || isMissing || !isRest) continue;
-    set(one.old, other.attribute, {"the rest"});
-    one.fresh.push_back(scenario::entry(page.dn(other.goesTo.entry), {}));
+    if (isAway) set(one.old, other.attribute, {"the rest"});
   }
-  if (one.target.attribute.empty()) return;
-  one.targetDn = page.dn(one.target.entry);
-  // An entry that a rule builds is its own target.
-  if (row.circumstance == Circumstance::nothingThere || one.target.entry == row.entry) return;
-  one.fresh.push_back(scenario::entry(one.targetDn, {}));
-  if (one.newHasIt) set(one.fresh.back(), one.target.attribute, {kNewValue});
+  if (!one.target.attribute.empty()) one.targetDn = page.dn(one.target.entry);
 }
 
 void TableLine::tryValue(const ValueCase& one) const {

@@ -8,6 +8,8 @@
 int main(int argc, char** argv) {
   // A reader of the output that goes away is told as a failure to write, not by an untimely end.
   std::signal(SIGPIPE, SIG_IGN);
+  // Nor by a limit on the size of files: the write fails, and what was begun is taken back.
+  std::signal(SIGXFSZ, SIG_IGN);
   std::ios::sync_with_stdio(false);
   tool::Console console{std::cout, std::cerr};
   const std::vector<std::string> words(argv + (argc > 0 ? 1 : 0), argv + argc);
