@@ -76,6 +76,7 @@ int CfgUtils::getParamArrayValueInfo(const char* dn, const char* attribute, char
 int CfgUtils::addValue(const char* dn, const char* attribute, const char* value) {
   JournalEntry journal(m_implementation->store, Operation::addValue, dn, attribute, {value});
   if (dn == nullptr || attribute == nullptr || value == nullptr) return journal.finish(cfgstore::kParamError);
+  if (const int rc = journal.refusal(); rc != 0) return journal.finish(rc);
   return journal.finish(m_implementation->store.document().addValue(dn, attribute, value));
 }
 
@@ -84,12 +85,14 @@ int CfgUtils::delValue(const char* dn, const char* attribute, char** values) {
   for (char** value = values; value != nullptr && *value != nullptr; ++value) listed.emplace_back(*value);
   JournalEntry journal(m_implementation->store, Operation::delValue, dn, attribute, listed);
   if (dn == nullptr || attribute == nullptr || values == nullptr) return journal.finish(cfgstore::kParamError);
+  if (const int rc = journal.refusal(); rc != 0) return journal.finish(rc);
   return journal.finish(m_implementation->store.document().delValues(dn, attribute, listed));
 }
 
 int CfgUtils::setValue(const char* dn, const char* attribute, const char* value) {
   JournalEntry journal(m_implementation->store, Operation::setValue, dn, attribute, {value});
   if (dn == nullptr || attribute == nullptr || value == nullptr) return journal.finish(cfgstore::kParamError);
+  if (const int rc = journal.refusal(); rc != 0) return journal.finish(rc);
   return journal.finish(m_implementation->store.document().setValue(dn, attribute, value));
 }
 
@@ -98,12 +101,14 @@ int CfgUtils::addEntry(const char* dn, const char* cn, const char* objectClass, 
   if (dn == nullptr || cn == nullptr || objectClass == nullptr || secondObjectClass == nullptr) {
     return journal.finish(cfgstore::kParamError);
   }
+  if (const int rc = journal.refusal(); rc != 0) return journal.finish(rc);
   return journal.finish(m_implementation->store.document().addEntry(dn, cn, objectClass, secondObjectClass));
 }
 
 int CfgUtils::removeEntry(const char* dn) {
   JournalEntry journal(m_implementation->store, Operation::removeEntry, dn, "", {});
   if (dn == nullptr) return journal.finish(cfgstore::kParamError);
+  if (const int rc = journal.refusal(); rc != 0) return journal.finish(rc);
   return journal.finish(m_implementation->store.document().removeEntry(dn));
 }
 

@@ -20,9 +20,9 @@ std::string describe(const std::string& path, const std::vector<Problem>& proble
 }
 
 SourceText readSource(const std::string& path) {
-  std::string why;
+  Problem why;
   auto source = SourceText::read(path, why);
-  if (!source) throw OpenError(path, {{0, why}});
+  if (!source) throw OpenError(path, {why});
   return std::move(*source);
 }
 
@@ -34,11 +34,12 @@ OpenError::OpenError(const std::string& path, std::vector<Problem> problems)
 struct ConfigStore::State {
   State(const std::string& path, SourceText text, std::vector<Problem>& problems)
       : document(std::move(text), problems),
-        source{path, document.source().resolvedPath(), document.source().stamp()} {}
+        source{path, document.source().resolvedPath(), document.source().stamp(), document.source().text()} {}
 
   Document document;
   SourceFile source;
   Observer observer;
+  WriteGate gate;
 };
 
 ConfigStore::ConfigStore(const std::string& path) {
@@ -55,7 +56,13 @@ void ConfigStore::observe(Observer observer) { m_state->observer = std::move(obs
 
 const Observer& ConfigStore::observer() const { return m_state->observer; }
 
+void ConfigStore::refuseWith(WriteGate gate) { m_state->gate = std::move(gate); }
+
+const WriteGate& ConfigStore::gate() const { return m_state->gate; }
+
 bool ConfigStore::changed() const { return m_state->document.changed(); }
+
+std::string_view ConfigStore::textAsRead() const { return m_state->document.source().text(); }
 
 std::string ConfigStore::text() const {
   const auto pieces = m_state->document.pieces();
@@ -71,8 +78,15 @@ SaveResult ConfigStore::save(const std::string& target, Backup backup, unsigned 
   const auto pieces = m_state->document.pieces();
   AtomicFile file(FileSystem::real(), target, m_state->source);
   SavedFile saved = file.save(pieces, backup, std::time(nullptr), permissions);
-  if (saved.isSource) m_state->source.stamp = saved.stamp;
+  if (saved.isSource) {
+    m_state->source.stamp = saved.stamp;
+    if (saved.result.written) m_state->source.text.reset();
+  }
   return std::move(saved.result);
+}
+
+bool ConfigStore::checkSave(const std::string& target, unsigned permissions) const {
+  return AtomicFile(FileSystem::real(), target, m_state->source).check(m_state->document.pieces(), permissions);
 }
 
 unsigned ConfigStore::permissions() const { return m_state->source.stamp.mode; }

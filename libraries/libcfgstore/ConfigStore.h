@@ -15,6 +15,8 @@
 #include <vector>
 
 #include "CfgUtils.h"
+#include "Limits.h"
+#include "RemarkKind.h"
 
 namespace cfgstore {
 
@@ -25,6 +27,7 @@ class Document;
 struct Problem {
   std::size_t line = 0;
   std::string text;
+  RemarkKind kind = RemarkKind::unreadable;  // one whose severity is error
 };
 
 // Thrown by the constructor of CfgUtils when a file cannot be opened, read or understood. what() names the file,
@@ -77,11 +80,17 @@ struct Write {
 
 using Observer = std::function<void(const Write&)>;
 
+// Asked before a write: 0 lets it happen, anything else is what the store answers instead. `rc` of the write is 0.
+using WriteGate = std::function<int(const Write&)>;
+
 enum class Backup { none, keep };
 
 struct SaveResult {
   bool written = false;    // false: the target already held exactly this content and was not touched
   std::string backupPath;  // where the replaced file went; empty if there was none or none was asked for
+
+  // Where a file went that an earlier save had replaced when its program was killed; empty if there was none.
+  std::string recoveredPath;
 };
 
 // The store behind one CfgUtils. It lives as long as the CfgUtils, which owns it.
@@ -101,25 +110,41 @@ class ConfigStore {
   void observe(Observer observer);
   const Observer& observer() const;
 
+  // Every write from now on is refused that `gate` refuses; an empty function ends it. For tests and failure drills: a
+  // product's store may refuse any write, and this one hardly ever does. The gate must not use the store; what it throws
+  // reaches the caller, and nothing is written then.
+  void refuseWith(WriteGate gate);
+  const WriteGate& gate() const;
+
   // True when the content is no longer byte for byte what was read.
   bool changed() const;
 
   // The whole content as it would be saved.
   std::string text() const;
 
+  // The content as it was read. Valid as long as the store.
+  std::string_view textAsRead() const;
+
   // Writes the content to `target`, atomically: afterwards the file there is wholly the new one or, after a
   // SaveError, wholly the one that was there before. A target that holds this very content already is not touched.
-  // Symbolic links are followed. Mode and owner of a replaced file are kept; a new file gets the mode of the file
-  // that was read. With Backup::keep the file that is replaced stays beside it, under a name with the time in it that
-  // is never one that exists.
-  // Refused before anything is written: a target that is the file that was read and has changed on disk since; one
-  // that another program is saving at the same time, or that has a second name (hard link); one whose owner could not
-  // be kept; and what is no regular file.
-  // The permission bits of the result are never more than `permissions`, and a new file that does not belong to the
-  // group of the file that was read gives its group no access: a configuration holds secrets.
+  // Symbolic links are followed. Owner, mode, access control list and extended attributes of a replaced file are kept;
+  // a new file gets the mode of the file that was read. With Backup::keep the file that is replaced stays beside it,
+  // under a name with the time in it that is never one that exists.
+  // Refused before anything is written: a target that is the file that was read and has changed on disk since, also
+  // where only its content shows it; one that another program is saving at the same time, or that has a second name
+  // (hard link); one whose owner or attributes could not be kept; a full disk, and a directory that cannot be written;
+  // and what is no regular file.
+  // Nobody may do more with the result than `permissions`, as permission bits, allow everybody of his kind, and a new
+  // file that does not belong to the group of the file that was read gives its group no access: a configuration holds
+  // secrets.
   SaveResult save(const std::string& target, Backup backup, unsigned permissions = 07777);
 
-  // The permission bits of the file that was read.
+  // Whether a save would write anything. Throws what the save would be refused with, but for what no program can know
+  // before it tries; changes nothing.
+  bool checkSave(const std::string& target, unsigned permissions = 07777) const;
+
+  // Permission bits that let nobody do more than those of the file that was read do, together with its access control
+  // list if it has one.
   unsigned permissions() const;
 
   Document& document();  // for the store's own code and its tests

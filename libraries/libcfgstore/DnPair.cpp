@@ -50,12 +50,12 @@ bool appendNormalPair(std::string_view text, std::string& out) {
   if (text.find('\0') != std::string_view::npos) return false;
   const auto spelling = rfc4514Pair(text);
   if (!spelling) return false;
-  const ParsedPair parsed(*spelling);
+  const ParsedPair parsed(spelling->text);
   const LDAPAVA* const pair = parsed.pair();
   if (pair == nullptr) return false;
 
   const std::size_t before = out.size();
-  if (!appendNormalType(viewOf(pair->la_attr), out)) {
+  if (!appendNormalType(text.substr(spelling->type, pair->la_attr.bv_len), out)) {
     out.resize(before);
     return false;
   }

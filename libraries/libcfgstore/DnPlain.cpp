@@ -16,6 +16,7 @@ constexpr CharacterMap makeTypeCharacters() {
   for (char c = 'A'; c <= 'Z'; ++c) map[static_cast<unsigned char>(c)] = c;
   for (char c = '0'; c <= '9'; ++c) map[static_cast<unsigned char>(c)] = c;
   map['-'] = '-';
+  map['_'] = '_';
   return map;
 }
 

@@ -61,7 +61,8 @@ std::size_t pairLength(std::string_view text) {
   return text.size();
 }
 
-std::optional<std::string> rfc4514Pair(std::string_view text) {
+std::optional<SpelledPair> rfc4514Pair(std::string_view text) {
+  const std::size_t before = text.size();
   text = withoutLeadingBlanks(text);
   text.remove_prefix(oidPrefixLength(text));
   const std::size_t equals = text.find('=');
@@ -69,9 +70,13 @@ std::optional<std::string> rfc4514Pair(std::string_view text) {
   const std::string_view value = withoutLeadingBlanks(text.substr(afterType));
 
   if (value.starts_with('#') && !isHexValue(value)) return std::nullopt;
-  if (!value.starts_with('"')) return std::string(text);
-  std::string pair(text.substr(0, afterType));
-  if (!appendUnquoted(value, pair)) return std::nullopt;
+  SpelledPair pair{std::string(text.substr(0, afterType)), before - text.size()};
+  std::replace(pair.text.begin(), pair.text.end(), '_', '-');
+  if (!value.starts_with('"')) {
+    pair.text += text.substr(afterType);
+  } else if (!appendUnquoted(value, pair.text)) {
+    return std::nullopt;
+  }
   return pair;
 }
 

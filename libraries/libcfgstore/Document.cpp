@@ -125,6 +125,16 @@ ResultCode Document::visitSubordinates(std::string_view baseDn, int scope,
   return kSuccess;
 }
 
+void Document::visitEntries(const std::function<void(std::string_view, const EntryLines&)>& visit) const {
+  EntryLines read;
+  for (EntryId id = m_entries[kHead].next; id != kNoEntry; id = m_entries[id].next) {
+    const Entry& entry = m_entries[id];
+    if (entry.removed) continue;
+    if (!entry.lines) read.assign(entry.body);
+    visit(entry.normal, entry.lines ? *entry.lines : read);
+  }
+}
+
 ResultCode Document::addValue(std::string_view dn, std::string_view name, std::string_view value) {
   EntryId id = kNoEntry;
   if (const ResultCode rc = find(dn, id); rc != kSuccess) return rc;

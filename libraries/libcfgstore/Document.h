@@ -45,6 +45,10 @@ class Document {
   // order of the file. Scope 2 includes the base itself. kInvalidDnSyntax when `baseDn` is no DN.
   ResultCode visitSubordinates(std::string_view baseDn, int scope, const std::function<void(std::string_view)>& visit);
 
+  // Calls `visit` with each entry in the order of the file: its DN in normal form, and its lines, which are valid
+  // during the call. Neither the document nor what it keeps in memory changes.
+  void visitEntries(const std::function<void(std::string_view normal, const EntryLines& lines)>& visit) const;
+
   // The writes of CfgUtils.
   ResultCode addValue(std::string_view dn, std::string_view attribute, std::string_view value);
   ResultCode delValues(std::string_view dn, std::string_view attribute, std::span<const std::string_view> values);
@@ -112,7 +116,7 @@ class Document {
   EntryId m_readEntry = kNoEntry;
 
   std::size_t m_longestNormal = 0;
-  std::optional<std::unordered_map<std::string_view, EntryId>> m_lastChild;  // by normal DN of the parent
+  std::optional<std::unordered_map<std::string_view, EntryId, TextHash>> m_lastChild;  // by normal DN of the parent
 };
 
 }  // namespace cfgstore

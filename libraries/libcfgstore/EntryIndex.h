@@ -5,9 +5,10 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <string_view>
 #include <vector>
+
+#include "TextHash.h"
 
 namespace cfgstore {
 
@@ -49,7 +50,7 @@ class EntryIndex {
   static constexpr EntryId kRemoved = kNoEntry - 1;
 
   static std::uint32_t hashOf(std::string_view key) {
-    const std::uint64_t hash = std::hash<std::string_view>()(key);
+    const std::uint64_t hash = hashOfText(key);
     return static_cast<std::uint32_t>(hash ^ hash >> 32);
   }
   std::size_t mask() const { return m_slots.size() - 1; }

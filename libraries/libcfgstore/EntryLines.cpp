@@ -4,6 +4,8 @@
 #include <unordered_set>
 #include <utility>
 
+#include "TextHash.h"
+
 namespace cfgstore {
 namespace {
 
@@ -22,10 +24,8 @@ std::uint32_t keyOf(std::string_view name) {
 std::size_t hashOfName(std::string_view name) {
   std::string folded(name);
   for (char& c : folded) c = static_cast<char>(lower(c));
-  return std::hash<std::string>()(folded);
+  return hashOfText(folded);
 }
-
-std::size_t hashOfValue(std::string_view value) { return std::hash<std::string_view>()(value); }
 
 }  // namespace
 
@@ -95,7 +95,7 @@ EntryLines::Attribute EntryLines::findOrAdd(std::string_view name, NodeId node) 
 void EntryLines::visitValues(Attribute attribute, const std::function<void(std::string_view)>& visit) const {
   const AttributeLines& lines = m_attributes[attribute];
   const bool many = lines.count > kFew;
-  std::unordered_set<std::string_view> seen;
+  std::unordered_set<std::string_view, TextHash> seen;
   std::deque<std::string> decoded;  // what `seen` refers to where a line does not hold the value as it is
   std::string earlierScratch;
   for (NodeId node = lines.first; node != kNoNode; node = m_nodes[node].nextValue) {
@@ -124,7 +124,7 @@ const EntryLines::ByValue& EntryLines::byValue(Attribute attribute) const {
   ByValue table;
   table.reserve(m_attributes[attribute].count);
   for (NodeId node = m_attributes[attribute].first; node != kNoNode; node = m_nodes[node].nextValue) {
-    table.emplace(hashOfValue(lineValue(m_nodes[node].line, m_scratch)), node);
+    table.emplace(hashOfText(lineValue(m_nodes[node].line, m_scratch)), node);
   }
   return m_byValue.emplace(attribute, std::move(table)).first->second;
 }
@@ -138,7 +138,7 @@ EntryLines::NodeId EntryLines::findValue(Attribute attribute, std::string_view v
     return kNoNode;
   }
   const ByValue& table = byValue(attribute);
-  const std::size_t hash = hashOfValue(value);
+  const std::size_t hash = hashOfText(value);
   for (auto at = table.find(hash); at != table.end() && at->first == hash; ++at) {
     if (lineValue(m_nodes[at->second].line, m_scratch) == value) return at->second;
   }
@@ -171,7 +171,7 @@ void EntryLines::append(Attribute attribute, const Line& line) {
   const auto node = static_cast<NodeId>(m_nodes.size());
   if (m_nodes.size() == m_nodes.capacity()) m_nodes.reserve(m_nodes.size() * 2);
   const auto table = m_byValue.find(attribute);
-  if (table != m_byValue.end()) table->second.emplace(hashOfValue(lineValue(line, m_scratch)), node);
+  if (table != m_byValue.end()) table->second.emplace(hashOfText(lineValue(line, m_scratch)), node);
   m_nodes.push_back({line, kNoNode, kNoNode, kNoNode, kNoNode});
   linkAfter(m_attributes[attribute].last, node);
   linkValue(attribute, node);
@@ -199,7 +199,7 @@ void EntryLines::remove(Attribute attribute, std::string_view value) {
     return;
   }
   ByValue& table = known->second;
-  const std::size_t hash = hashOfValue(value);
+  const std::size_t hash = hashOfText(value);
   for (auto at = table.find(hash); at != table.end() && at->first == hash;) {
     if (holdsValue(at->second)) {
       unlink(attribute, at->second);

@@ -66,6 +66,23 @@ class EntryLines {
     for (NodeId id = m_first; id != kNoNode; id = m_nodes[id].next) visit(m_nodes[id].line);
   }
 
+  // Calls `visit(place, line)` with all lines in order. Places are numbers below size(), one for each line.
+  template <class Visit>
+  void visitPlaces(const Visit& visit) const {
+    for (NodeId id = m_first; id != kNoNode; id = m_nodes[id].next) visit(std::size_t{id}, m_nodes[id].line);
+  }
+
+  // Calls `visit(place, line, first)` with all values, attribute by attribute: attributes in the order of their first
+  // lines, the lines of an attribute in their own order. `first` is true for the first line of each attribute.
+  template <class Visit>
+  void visitByAttribute(const Visit& visit) const {
+    for (NodeId id = m_first; id != kNoNode; id = m_nodes[id].next) {
+      if (m_nodes[id].line.kind != LineKind::attribute || m_nodes[id].previousValue != kNoNode) continue;
+      for (NodeId at = id; at != kNoNode; at = m_nodes[at].nextValue)
+        visit(std::size_t{at}, m_nodes[at].line, at == id);
+    }
+  }
+
   std::size_t size() const { return m_nodes.size(); }
 
  private:

@@ -42,7 +42,7 @@ EntryId Document::endOfSubtree(EntryId id) {
 // Removed entries count: where one stood is as good a place.
 EntryId Document::lastChildOf(std::string_view normalParent) {
   if (!m_lastChild) {
-    std::unordered_map<std::string_view, EntryId> lastChild;
+    std::unordered_map<std::string_view, EntryId, TextHash> lastChild;
     for (EntryId id = m_entries[kHead].next; id != kNoEntry; id = m_entries[id].next) {
       if (!m_entries[id].normal.empty()) lastChild[parentOfNormalDn(m_entries[id].normal)] = id;
     }

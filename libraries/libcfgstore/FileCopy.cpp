@@ -41,7 +41,7 @@ std::string FileCopy::readSource() const {
 FileCopy::Found FileCopy::check() const {
   const Found found = m_placement.examine(readSource());
   const std::string directory = directoryOf(m_destination);
-  if (found != Found::sameContent && ::faccessat(AT_FDCWD, directory.c_str(), W_OK | X_OK, AT_EACCESS) != 0) {
+  if (found != Found::sameContent && m_fileSystem.access(directory.c_str(), W_OK | X_OK) != 0) {
     throw FileError("the destination's directory cannot be written", errno);
   }
   return found;

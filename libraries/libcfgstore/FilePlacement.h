@@ -27,7 +27,9 @@ class FilePlacement {
   // What is at the destination now. Throws FileError when no file can be put there.
   Found examine(std::string_view content) const;
 
-  // Puts a file with this content there. `now` is the time in the name of a backup.
+  // Puts a file with this content there. `now` is the time in the name of a backup. The file belongs to the user that
+  // runs the program; a file with the same content is left as it is, permissions included. What a program that was
+  // killed here has left is cleared: a file that it had replaced gets the name of a backup.
   // Throws FileError; nothing has changed then, unless it is FileNotRestored.
   void place(std::string_view content, std::time_t now);
 
@@ -41,10 +43,7 @@ class FilePlacement {
  private:
   enum class Done { nothing, created, replaced };
 
-  std::string keepOld(std::time_t now) const;
-  void copyOld(const std::string& backup) const;
-  std::string backupName(std::time_t now, int number) const;
-  int syncDirectory() const;
+  Found find(std::string_view content) const;
 
   FileSystem& m_fileSystem;
   std::string m_destination;

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 #include <cstdio>
@@ -15,7 +16,6 @@ class RealFileSystem : public FileSystem {
  public:
   int open(const char* path, int flags, mode_t mode) override { return ::open(path, flags, mode); }
   int close(int file) override { return ::close(file); }
-  ssize_t read(int file, void* to, std::size_t size) override { return ::read(file, to, size); }
   ssize_t pread(int file, void* to, std::size_t size, off_t offset) override { return ::pread(file, to, size, offset); }
   ssize_t write(int file, const void* from, std::size_t size) override { return ::write(file, from, size); }
   int fsync(int file) override { return ::fsync(file); }
@@ -30,6 +30,17 @@ class RealFileSystem : public FileSystem {
   }
   int link(const char* from, const char* to) override { return ::linkat(AT_FDCWD, from, AT_FDCWD, to, 0); }
   int unlink(const char* path) override { return ::unlink(path); }
+  int access(const char* path, int mode) override { return ::faccessat(AT_FDCWD, path, mode, AT_EACCESS); }
+  int statvfs(const char* path, struct statvfs* status) override { return ::statvfs(path, status); }
+  int fallocate(int file, off_t size) override { return ::fallocate(file, 0, 0, size); }
+  ssize_t flistxattr(int file, char* to, std::size_t size) override { return ::flistxattr(file, to, size); }
+  ssize_t fgetxattr(int file, const char* name, void* to, std::size_t size) override {
+    return ::fgetxattr(file, name, to, size);
+  }
+  int fsetxattr(int file, const char* name, const void* from, std::size_t size) override {
+    return ::fsetxattr(file, name, from, size, 0);
+  }
+  int fremovexattr(int file, const char* name) override { return ::fremovexattr(file, name); }
 
   int realpath(const char* path, std::string& resolved) override {
     const std::unique_ptr<char, decltype(&std::free)> found(::realpath(path, nullptr), &std::free);

@@ -20,6 +20,7 @@ class JournalEntry {
   JournalEntry(ConfigStore& store, Operation operation, const char* dn, const char* attribute,
                std::vector<std::string_view> values)
       : m_observer(store.observer()),
+        m_gate(store.gate()),
         m_document(store.document()),
         m_editsBefore(m_document.edits()),
         m_write{operation, view(dn), view(attribute), std::move(values), 0} {}
@@ -28,12 +29,15 @@ class JournalEntry {
   JournalEntry(ConfigStore& store, Operation operation, const char* dn, const char* attribute,
                std::initializer_list<const char*> values)
       : JournalEntry(store, operation, dn, attribute, std::vector<std::string_view>()) {
-    if (!m_observer) return;
+    if (!m_observer && !m_gate) return;
     m_write.values.reserve(values.size());
     for (const char* value : values) {
       if (value != nullptr) m_write.values.emplace_back(value);
     }
   }
+
+  // What the gate of the store answers in its place; 0 when the write may happen.
+  int refusal() const { return m_gate ? m_gate(m_write) : 0; }
 
   // Reports the write with its result, and returns the result.
   int finish(int rc) {
@@ -49,6 +53,7 @@ class JournalEntry {
   static std::string_view view(const char* text) { return text != nullptr ? text : ""; }
 
   const Observer& m_observer;
+  const WriteGate& m_gate;
   const Document& m_document;
   std::size_t m_editsBefore;
   Write m_write;

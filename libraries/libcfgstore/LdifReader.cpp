@@ -3,17 +3,20 @@
 #include <algorithm>
 #include <cstring>
 #include <limits>
+#include <optional>
 
 #include "NormalDn.h"
+#include "ShownText.h"
 
 namespace cfgstore {
 namespace {
 
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 constexpr std::size_t kSample = std::size_t{1} << 20;
-constexpr std::size_t kLongestShownDn = 200;
+constexpr std::size_t kShortLine = 8;
 constexpr std::size_t kNone = static_cast<std::size_t>(-1);
 
+// What is wrong with a line that is not one of name and value. `name` is known for the last two only.
 std::string describe(LineFault fault, std::string_view name) {
   switch (fault) {
     case LineFault::noColon:
@@ -25,24 +28,35 @@ std::string describe(LineFault fault, std::string_view name) {
     case LineFault::url:
       return "a value is to be read from a URL (\":<\"); expected the value itself";
     case LineFault::badBase64:
-      return "bad base64 in a value of \"" + std::string(name) + "\"; expected whole groups of four characters";
+      return "bad base64 in a value of \"" + shownName(name) + "\"; expected whole groups of four characters";
     case LineFault::zeroByte:
-      return "a value of \"" + std::string(name) + "\" holds a zero byte, which no setting can";
+      return "a value of \"" + shownName(name) + "\" holds a zero byte, which no setting can";
   }
   return {};
 }
 
-// A DN as part of a message: on one line and of bounded length.
-std::string shown(std::string_view dn) {
-  std::string text(dn.substr(0, kLongestShownDn));
-  std::replace_if(
-      text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < ' '; }, '?');
-  return dn.size() > kLongestShownDn ? text + "..." : text;
+RemarkKind kindOf(LineFault fault) {
+  switch (fault) {
+    case LineFault::noColon:
+      return RemarkKind::noColon;
+    case LineFault::badName:
+      return RemarkKind::badName;
+    case LineFault::longName:
+      return RemarkKind::nameTooLong;
+    case LineFault::url:
+      return RemarkKind::urlValue;
+    case LineFault::badBase64:
+      return RemarkKind::badBase64;
+    case LineFault::zeroByte:
+      return RemarkKind::zeroByteInValue;
+  }
+  return {};
 }
 
 class Reader {
  public:
-  Reader(std::string_view text, TextArena& arena) : m_text(text), m_arena(arena) {}
+  Reader(std::string_view text, TextArena& arena, const OnProblem& onProblem, std::size_t mostLines)
+      : m_text(text), m_arena(arena), m_onProblem(onProblem), m_mostLines(mostLines) {}
 
   LdifContent read();
 
@@ -55,18 +69,21 @@ class Reader {
   void readBlank(std::string_view line);
   void readComment(std::string_view line);
   void readNamed(std::string_view line);
+  void skip(std::string_view line);
+  void checkSeparated();
   void readVersion(const Line& line);
   void readDn(const Line& line);
   void readAttribute(const Line& line, std::string_view name);
-  void startEntry(std::string_view normal);
+  void startEntry(std::optional<std::string_view> normal);
   void endEntry();
   bool hasStrayReturn(std::string_view line) const;
-  std::size_t lineNumberOf(const Line& line) const;
-  void problem(std::string text) { m_content.problems.push_back({m_lineNumber, std::move(text)}); }
-  bool full() const { return m_content.problems.size() >= kMostProblems; }
+  void problem(RemarkKind kind, std::string text) { problemOn(m_lineNumber, kind, std::move(text)); }
+  void problemOn(std::size_t lineNumber, RemarkKind kind, std::string text);
 
   std::string_view m_text;
   TextArena& m_arena;
+  const OnProblem& m_onProblem;
+  std::size_t m_mostLines;
   LdifContent m_content;
   Place m_place = Place::outside;
   std::size_t m_lineNumber = 1;        // of the first physical line of the logical line at hand
@@ -74,17 +91,14 @@ class Reader {
   std::size_t m_commentBlock = kNone;  // first of the comments that stand directly above
   bool m_mayHaveVersion = true;
   bool m_hasReturns = false;
+  bool m_hasZeros = false;
+  bool m_ended = false;  // by a problem
   std::string m_scratch;
   std::string m_value;
 };
 
 LdifContent Reader::read() {
-  if (const auto zero = m_text.find('\0'); zero != std::string_view::npos) {
-    m_lineNumber = 1 + static_cast<std::size_t>(
-                           std::count(m_text.begin(), m_text.begin() + static_cast<std::ptrdiff_t>(zero), '\n'));
-    problem("a zero byte; expected a text file");
-    return std::move(m_content);
-  }
+  m_hasZeros = m_text.find('\0') != std::string_view::npos;
   m_hasReturns = m_text.find('\r') != std::string_view::npos;
   reserveLines();
   std::size_t at = 0;
@@ -92,24 +106,34 @@ LdifContent Reader::read() {
     at = kByteOrderMark.size();
     m_content.lines.push_back({m_text.data(), static_cast<std::uint32_t>(at), 0, LineKind::byteOrderMark, 0});
   }
-  while (at < m_text.size() && !full()) {
+  while (at < m_text.size() && !m_ended) {
     const std::size_t end = endOfLogicalLine(at);
+    if (m_content.lines.size() >= m_mostLines) {
+      problem(RemarkKind::tooManyLines, "more than " + std::to_string(m_mostLines) + " lines; the rest was not read");
+      break;
+    }
     readLine(m_text.substr(at, end - at));
     m_lineNumber += m_physicalLines;
     at = end;
   }
-  if (at < m_text.size()) problem("too many problems; the rest of the file was not read");
   endEntry();
   return std::move(m_content);
 }
 
+void Reader::problemOn(std::size_t lineNumber, RemarkKind kind, std::string text) {
+  if (m_ended) return;
+  if (m_place == Place::inEntry) m_content.entries.back().faulty = true;
+  m_ended = !m_onProblem({lineNumber, std::move(text), kind});
+}
+
 // The lines of a configuration are much alike, so its first part tells how many there are. Room that is not used is
-// never touched and costs nothing.
+// never touched and costs nothing, but no file shall make the system refuse it: lines of eight bytes are short enough.
 void Reader::reserveLines() {
   const std::string_view sample = m_text.substr(0, kSample);
   const auto count = static_cast<std::size_t>(std::count(sample.begin(), sample.end(), '\n')) + 1;
   const double perByte = static_cast<double>(count) / static_cast<double>(std::max<std::size_t>(sample.size(), 1));
-  m_content.lines.reserve(static_cast<std::size_t>(perByte * 1.1 * static_cast<double>(m_text.size())) + 16);
+  const auto expected = static_cast<std::size_t>(perByte * 1.1 * static_cast<double>(m_text.size()));
+  m_content.lines.reserve(std::min(expected, m_text.size() / kShortLine) + 16);
 }
 
 std::size_t Reader::endOfLogicalLine(std::size_t begin) {
@@ -125,14 +149,27 @@ std::size_t Reader::endOfLogicalLine(std::size_t begin) {
 }
 
 void Reader::readLine(std::string_view line) {
-  if (line.size() > std::numeric_limits<std::uint32_t>::max()) return problem("a line of more than 4 GiB");
+  if (line.size() > std::numeric_limits<std::uint32_t>::max())
+    return problem(RemarkKind::lineTooLong, "a line of more than 4 GiB");
+  if (m_hasZeros) {
+    if (const auto zero = line.find('\0'); zero != std::string_view::npos) {
+      const auto above = std::count(line.begin(), line.begin() + static_cast<std::ptrdiff_t>(zero), '\n');
+      skip(line);  // first, since what it reports is of the line's beginning
+      problemOn(m_lineNumber + static_cast<std::size_t>(above), RemarkKind::zeroByte,
+                "a zero byte; expected a text file");
+      return;
+    }
+  }
   if (line[0] == '\n' || line == "\r\n") return readBlank(line);
   if (line[0] == '#') return readComment(line);
   m_mayHaveVersion = m_mayHaveVersion && m_place == Place::outside;
-  if (line[0] == ' ') return problem("a line that begins with a blank, but there is none above that it could continue");
+  if (line[0] == ' ') {
+    return problem(RemarkKind::nothingToContinue,
+                   "a line that begins with a blank, but there is none above that it could continue");
+  }
   if (m_hasReturns && hasStrayReturn(line)) {
-    problem("a carriage return without a line feed; expected line ends of one kind");
-    return;
+    problem(RemarkKind::strayReturn, "a carriage return without a line feed; expected line ends of one kind");
+    return skip(line);
   }
   readNamed(line);
 }
@@ -143,7 +180,7 @@ void Reader::readBlank(std::string_view line) {
   m_place = Place::outside;
   m_commentBlock = kNone;
   auto& lines = m_content.lines;
-  if (!lines.empty() && lines.back().kind == LineKind::blank &&
+  if (!lines.empty() && lines.back().kind == LineKind::blank && lines.back().raw + lines.back().size == line.data() &&
       lines.back().size <= std::numeric_limits<std::uint32_t>::max() - line.size()) {
     lines.back().size += static_cast<std::uint32_t>(line.size());
   } else {
@@ -161,9 +198,8 @@ void Reader::readNamed(std::string_view text) {
   Line line;
   if (const auto fault = parseLine(text, m_scratch, line)) {
     const bool named = *fault == LineFault::badBase64 || *fault == LineFault::zeroByte;
-    problem(describe(*fault, named ? lineName(line, m_scratch) : std::string_view()));
-    if (line.kind != LineKind::dn || !named) return;
-    return startEntry({});  // an entry all the same, so that its attributes are not reported as well
+    problem(kindOf(*fault), describe(*fault, named ? lineName(line, m_scratch) : std::string_view()));
+    return skip(text);
   }
   if (line.kind == LineKind::dn) return readDn(line);
   const std::string_view name = lineName(line, m_scratch);
@@ -171,33 +207,45 @@ void Reader::readNamed(std::string_view text) {
   readAttribute(line, name);
 }
 
+// After a problem with a line that is left out of the table. An entry begins with it all the same where it looks like a
+// dn line, so that its attributes are not reported as well.
+void Reader::skip(std::string_view line) {
+  if (!sameName(line.substr(0, 3), "dn:")) return;
+  m_mayHaveVersion = false;
+  checkSeparated();
+  startEntry(std::nullopt);
+}
+
+void Reader::checkSeparated() {
+  if (m_place == Place::outside) return;
+  problem(RemarkKind::dnInsideEntry, "\"dn:\" in the middle of an entry; expected a blank line before it");
+}
+
 void Reader::readVersion(const Line& line) {
   m_mayHaveVersion = false;
   m_commentBlock = kNone;
-  if (lineValue(line, m_scratch) != "1") problem("an LDIF version that is not known; expected \"version: 1\"");
+  if (lineValue(line, m_scratch) != "1") {
+    problem(RemarkKind::unknownVersion, "an LDIF version that is not known; expected \"version: 1\"");
+  }
   m_content.lines.push_back(line);
   m_content.lines.back().kind = LineKind::version;
 }
 
 void Reader::readDn(const Line& line) {
   m_mayHaveVersion = false;
-  if (m_place != Place::outside) {
-    problem("\"dn:\" in the middle of an entry; expected a blank line before it");
-    endEntry();
-  }
+  checkSeparated();
   const std::string_view dn = lineValue(line, m_value);
   const auto normal = normalDn(dn);
   if (!normal) {
-    problem("not a distinguished name; expected \"dn: CN=...\" as RFC 4514 writes it");
-    startEntry({});
+    problem(RemarkKind::badDn, "not a distinguished name; expected \"dn: CN=...\" as RFC 4514 writes it");
+    startEntry(std::nullopt);
   } else {
     const auto keyOf = [&](EntryId id) { return m_content.entries[id - 1].normal; };
     const EntryId earlier = m_content.index.find(*normal, keyOf);
     if (earlier != kNoEntry) {
-      const Line& first = m_content.lines[m_content.entries[earlier - 1].dn];
-      problem("the entry \"" + shown(dn) + "\" a second time; it stands on line " +
-              std::to_string(lineNumberOf(first)) + " already");
-      startEntry({});
+      problem(RemarkKind::duplicateEntry, "the entry \"" + shownDn(dn) + "\" a second time; it stands on line " +
+                                              std::to_string(m_content.entries[earlier - 1].line) + " already");
+      startEntry(std::nullopt);
     } else {
       startEntry(*normal == dn && line.flags == 0 ? dn : m_arena.keep(*normal));
       const std::string_view key = m_content.entries.back().normal;
@@ -207,9 +255,11 @@ void Reader::readDn(const Line& line) {
   m_content.lines.push_back(line);
 }
 
-void Reader::startEntry(std::string_view normal) {
+void Reader::startEntry(std::optional<std::string_view> normal) {
+  endEntry();
   const std::size_t at = m_content.lines.size();
-  m_content.entries.push_back({m_commentBlock == kNone ? at : m_commentBlock, at, at, normal});
+  const std::size_t first = m_commentBlock == kNone ? at : m_commentBlock;
+  m_content.entries.push_back({first, at, at, m_lineNumber, normal.value_or(""), normal.has_value()});
   m_commentBlock = kNone;
   m_place = Place::inEntry;
 }
@@ -221,11 +271,12 @@ void Reader::endEntry() {
 void Reader::readAttribute(const Line& line, std::string_view name) {
   m_mayHaveVersion = false;
   if (m_place == Place::outside) {
-    problem("an entry that does not begin with its DN; expected \"dn:\"");
+    problem(RemarkKind::missingDn, "an entry that does not begin with its DN; expected \"dn:\"");
     m_place = Place::inEntryWithoutDn;
   }
   if (sameName(name, "changetype") || sameName(name, "control")) {
-    problem("a change record (\"" + std::string(name) + ":\"); expected the content of an entry");
+    problem(RemarkKind::changeRecord,
+            "a change record (\"" + std::string(name) + ":\"); expected the content of an entry");
   }
   m_content.lines.push_back(line);
 }
@@ -237,12 +288,25 @@ bool Reader::hasStrayReturn(std::string_view line) const {
   return false;
 }
 
-std::size_t Reader::lineNumberOf(const Line& line) const {
-  return 1 + static_cast<std::size_t>(std::count(m_text.data(), line.raw, '\n'));
-}
-
 }  // namespace
 
-LdifContent readLdif(std::string_view text, TextArena& arena) { return Reader(text, arena).read(); }
+LdifContent readLdif(std::string_view text, TextArena& arena) {
+  std::vector<Problem> problems;
+  LdifContent content = readLdif(text, arena, [&problems](Problem problem) {
+    if (problems.size() == kMostProblems) {
+      problems.push_back(
+          {problem.line, "too many problems; the rest of the file was not read", RemarkKind::tooManyProblems});
+      return false;
+    }
+    problems.push_back(std::move(problem));
+    return true;
+  });
+  content.problems = std::move(problems);
+  return content;
+}
+
+LdifContent readLdif(std::string_view text, TextArena& arena, const OnProblem& onProblem, std::size_t mostLines) {
+  return Reader(text, arena, onProblem, mostLines).read();
+}
 
 }  // namespace cfgstore

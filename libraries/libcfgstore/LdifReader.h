@@ -4,6 +4,7 @@
 #define CFGMIG_LIBCFGSTORE_LDIFREADER_H
 
 #include <cstddef>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -22,7 +23,12 @@ struct EntrySpan {
   std::size_t first = 0;
   std::size_t dn = 0;
   std::size_t end = 0;
+  std::size_t line = 0;     // the number of the dn line, from 1
   std::string_view normal;  // the DN in normal form
+  // The next two are as they are here unless problems were reported:
+  bool named = true;  // false when the DN is bad or that of an earlier entry; `normal` is then empty, and there may be
+                      // no dn line
+  bool faulty = false;  // true when a line below its dn line had a problem; such a line is not in the table
 };
 
 // What was read. Lines and normal DNs are views into the text and the arena.
@@ -33,11 +39,20 @@ struct LdifContent {
   std::vector<Problem> problems;  // in the order of their lines; if there are any, the rest is not to be used
 };
 
+// Told of each problem, in the order of their lines; false ends the reading.
+using OnProblem = std::function<bool(Problem)>;
+
+constexpr std::size_t kMostProblems = 100;
+constexpr std::size_t kMostLines = 0xfffffff0;  // entries and lines are numbered in 32 bits
+
 // Reads `text`, which has to outlive the result, as has `arena`. Reading goes on after a problem, so that one run shows
 // what there is to mend, but no further than kMostProblems.
 LdifContent readLdif(std::string_view text, TextArena& arena);
 
-constexpr std::size_t kMostProblems = 100;
+// The same, with all problems handed to `onProblem` and none in the result. What the result holds is then good for
+// looking for more to tell, and for nothing else. A text of more than `mostLines` lines is not read any further.
+LdifContent readLdif(std::string_view text, TextArena& arena, const OnProblem& onProblem,
+                     std::size_t mostLines = kMostLines);
 
 }  // namespace cfgstore
 

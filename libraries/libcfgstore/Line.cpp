@@ -174,10 +174,8 @@ std::optional<LineFault> parseLine(std::string_view text, std::string& scratch, 
 std::string_view lineName(const Line& line, std::string& scratch) {
   if ((line.flags & Line::kHeadFolded) == 0) return {line.raw, line.nameLength};
   scratch.clear();
-  appendUnfolded(scratch, line.text());
-  Head head;
-  parseHead(scratch, head);
-  return std::string_view(scratch).substr(0, head.nameLength);
+  appendUnfolded(scratch, line.text().substr(0, line.text().find(':')));  // not the value, which may be long
+  return scratch;
 }
 
 std::string_view lineValue(const Line& line, std::string& scratch) {

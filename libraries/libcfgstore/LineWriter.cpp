@@ -1,12 +1,11 @@
 #include "LineWriter.h"
 
-#include <utf8proc.h>
-
 #include <algorithm>
 #include <array>
 #include <numeric>
 
 #include "Base64.h"
+#include "ShownText.h"
 
 namespace cfgstore {
 namespace {
@@ -20,30 +19,6 @@ constexpr std::size_t kMostEmptyLines = 3;
 bool isContinuationByte(char c) { return (static_cast<unsigned char>(c) & 0xc0) == 0x80; }
 bool isBeyondAscii(char c) { return static_cast<unsigned char>(c) >= 0x80; }
 bool isControl(char c) { return (static_cast<unsigned char>(c) < ' ' && c != '\t') || c == '\x7f'; }
-
-bool isUtf8(std::string_view text) {
-  const auto* at = reinterpret_cast<const utf8proc_uint8_t*>(text.data());
-  auto left = static_cast<utf8proc_ssize_t>(text.size());
-  while (left > 0) {
-    utf8proc_int32_t codePoint = 0;
-    const utf8proc_ssize_t length = utf8proc_iterate(at, left, &codePoint);
-    if (length <= 0) return false;
-    at += length;
-    left -= length;
-  }
-  return true;
-}
-
-bool needsBase64(const Habits& habits, std::string_view value) {
-  if (value.empty()) return false;
-  if (value.front() == ' ' || value.front() == ':' || value.front() == '<' || value.back() == ' ') return true;
-  bool beyondAscii = false;
-  for (const char c : value) {
-    if (isControl(c)) return true;
-    beyondAscii = beyondAscii || isBeyondAscii(c);
-  }
-  return beyondAscii && !(habits.rawUtf8 && isUtf8(value));
-}
 
 // Where to fold before `limit`: not in the middle of a UTF-8 character, and never at `from` itself.
 std::size_t foldAt(std::string_view text, std::size_t from, std::size_t limit) {
@@ -129,6 +104,17 @@ Habits Habits::of(std::span<const Line> lines) {
   HabitCounter counter;
   for (const Line& line : lines) counter.count(line);
   return counter.result();
+}
+
+bool needsBase64(const Habits& habits, std::string_view value) {
+  if (value.empty()) return false;
+  if (value.front() == ' ' || value.front() == ':' || value.front() == '<' || value.back() == ' ') return true;
+  bool beyondAscii = false;
+  for (const char c : value) {
+    if (isControl(c)) return true;
+    beyondAscii = beyondAscii || isBeyondAscii(c);
+  }
+  return beyondAscii && !(habits.rawUtf8 && isUtf8(value));
 }
 
 std::string writeLine(const Habits& habits, std::string_view name, std::string_view value) {

@@ -23,8 +23,12 @@ struct Habits {
   static Habits of(std::span<const Line> lines);
 };
 
-// One logical line for `name` and `value`, line end included. The value is in base64 where a plain one would be read
-// back as something else: with a blank, a colon or '<' in front, a blank at the end, bytes that are no text.
+// True when `value` has to be written in base64, because a plain one would be read back as something else or is no
+// text: with a blank, a colon or '<' in front, a blank at the end, control characters, bytes that are not UTF-8, and
+// also text beyond ASCII in a file that has none in plain.
+bool needsBase64(const Habits& habits, std::string_view value);
+
+// One logical line for `name` and `value`, line end included.
 std::string writeLine(const Habits& habits, std::string_view name, std::string_view value);
 
 // The empty lines between two entries.

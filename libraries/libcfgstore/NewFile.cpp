@@ -8,12 +8,13 @@
 #include <cstring>
 #include <memory>
 
+#include "AccessList.h"
+#include "LockHolder.h"
+
 namespace cfgstore {
 namespace {
 
 constexpr std::size_t kBlock = std::size_t{1} << 18;
-constexpr std::size_t kLongestNamePart = 200;  // of the 255 bytes that a name may have
-constexpr const char* kBusy = "another program is writing this file";
 
 // Gathers small pieces into large writes.
 template <class Write>
@@ -34,24 +35,52 @@ void inBlocks(std::span<const std::string_view> pieces, const Write& write) {
   if (!block.empty()) write(block);
 }
 
+bool isStillAt(FileSystem& fileSystem, int file, const std::string& path) {
+  struct stat open {};
+  struct stat there {};
+  if (fileSystem.fstat(file, &open) != 0) throw FileError("cannot be examined", errno);
+  if (fileSystem.lstat(path.c_str(), &there) != 0) {
+    if (errno == ENOENT) return false;
+    throw FileError("cannot be examined", errno);
+  }
+  return open.st_dev == there.st_dev && open.st_ino == there.st_ino;
+}
+
+// Whether an open file is one that was being written by a program that is gone. One that is empty was perhaps not
+// marked yet, and is no loss.
+bool isUnfinished(FileSystem& fileSystem, int file) {
+  struct stat status {};
+  if (fileSystem.fstat(file, &status) != 0) throw FileError("cannot be examined", errno);
+  if (!S_ISREG(status.st_mode)) return false;
+  if (status.st_size == 0 || fileSystem.fgetxattr(file, kUnfinishedMark, nullptr, 0) >= 0) return true;
+  if (errno == ENODATA) return false;
+  if (hasNoAttributes(errno)) return true;
+  throw FileError("cannot be examined", errno);
+}
+
+// Opens and locks what is left at `path`. No file if nothing is there.
+void takeLeftover(FileSystem& fileSystem, const std::string& path, OpenFile& leftover) {
+  struct stat status {};
+  if (fileSystem.lstat(path.c_str(), &status) != 0) {
+    if (errno == ENOENT) return;
+    throw FileError("cannot be examined (" + path + ")", errno);
+  }
+  const std::string notOurs = "something else is in the way of a file that is needed; move it away: " + path;
+  if (!S_ISREG(status.st_mode)) throw FileError(notOurs);
+  leftover.reset(fileSystem.open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, 0));
+  if (!leftover) {
+    if (errno == ENOENT) return;
+    throw FileError("a file of that name is left beside it and cannot be examined (" + path + ")", errno);
+  }
+  if (fileSystem.flock(leftover.get(), LOCK_EX | LOCK_NB) != 0) {
+    if (errno == EWOULDBLOCK) throw FileInUse(describeHolder(leftover.get()));
+    throw FileError("cannot be locked", errno);
+  }
+  if (!isStillAt(fileSystem, leftover.get(), path)) throw FileInUse(kBusy);
+  if (!isUnfinished(fileSystem, leftover.get())) throw FileError(notOurs);
+}
+
 }  // namespace
-
-FileError::FileError(const std::string& step, int error) : std::runtime_error(step + ": " + std::strerror(error)) {}
-
-std::string directoryOf(const std::string& path) {
-  const auto slash = path.rfind('/');
-  if (slash == std::string::npos) return ".";
-  return slash == 0 ? "/" : path.substr(0, slash);
-}
-
-std::string nameOf(const std::string& path) {
-  const auto slash = path.rfind('/');
-  return slash == std::string::npos ? path : path.substr(slash + 1);
-}
-
-std::string besideName(const std::string& path, std::string_view purpose) {
-  return directoryOf(path) + "/." + nameOf(path).substr(0, kLongestNamePart) + ".cfgmig-" + std::string(purpose);
-}
 
 bool holdsContent(FileSystem& fileSystem, int file, std::span<const std::string_view> pieces) {
   const auto buffer = std::make_unique_for_overwrite<char[]>(kBlock);
@@ -80,10 +109,22 @@ bool holdsContent(FileSystem& fileSystem, int file, std::span<const std::string_
   return same && readBlock(1) == 0;
 }
 
+void NewFile::clearLeftover(FileSystem& fileSystem, const std::string& path) {
+  OpenFile leftover(fileSystem, -1);
+  takeLeftover(fileSystem, path, leftover);
+  if (leftover && fileSystem.unlink(path.c_str()) != 0) throw FileError("cannot be cleared (" + path + ")", errno);
+}
+
+void NewFile::checkLeftover(FileSystem& fileSystem, const std::string& path) {
+  OpenFile leftover(fileSystem, -1);
+  takeLeftover(fileSystem, path, leftover);
+}
+
 NewFile::NewFile(FileSystem& fileSystem, std::string path)
     : m_fileSystem(fileSystem), m_path(std::move(path)), m_file(fileSystem, -1) {
   try {
     create();
+    protect();
   } catch (...) {
     if (m_mine) m_fileSystem.unlink(m_path.c_str());
     throw;
@@ -98,7 +139,7 @@ void NewFile::create() {
   constexpr int kFlags = O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW;
   int file = m_fileSystem.open(m_path.c_str(), kFlags, 0600);
   if (file < 0 && errno == EEXIST) {
-    removeLeftover();
+    clearLeftover(m_fileSystem, m_path);
     file = m_fileSystem.open(m_path.c_str(), kFlags, 0600);
     if (file < 0 && errno == EEXIST) throw FileInUse(kBusy);
   }
@@ -108,49 +149,72 @@ void NewFile::create() {
   if (m_fileSystem.flock(file, LOCK_EX | LOCK_NB) != 0) {
     if (errno != EWOULDBLOCK) throw FileError("cannot be locked", errno);
     m_mine = false;
-    throw FileInUse(kBusy);
+    throw FileInUse(describeHolder(file));
   }
-  if (!isStillAt(file)) {
+  if (!isStillAt(m_fileSystem, file, m_path)) {
     m_mine = false;
     throw FileInUse(kBusy);
   }
 }
 
-void NewFile::removeLeftover() {
-  const int flags = O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK;
-  const OpenFile leftover(m_fileSystem, m_fileSystem.open(m_path.c_str(), flags, 0));
-  if (!leftover) {
-    if (errno == ENOENT) return;
-    throw FileError("a file of that name is left beside it and cannot be examined (" + m_path + ")", errno);
+// Marks the file, and takes the list away that it may have got from its directory: with the mask that the creation
+// gave it, it lets nobody in yet, but a later change of the permission bits would open it to those whom it names.
+void NewFile::protect() {
+  if (m_fileSystem.fsetxattr(file(), kUnfinishedMark, "", 0) != 0 && !hasNoAttributes(errno)) {
+    throw FileError("no file can be created beside it", errno);
   }
-  if (m_fileSystem.flock(leftover.get(), LOCK_EX | LOCK_NB) != 0) {
-    if (errno == EWOULDBLOCK) throw FileInUse(kBusy);
-    throw FileError("cannot be locked", errno);
+  if (m_fileSystem.fremovexattr(file(), kAccessListAttribute) != 0 && errno != ENODATA && !hasNoAttributes(errno)) {
+    throw FileError("its access control list cannot be set", errno);
   }
-  if (!isStillAt(leftover.get())) throw FileInUse(kBusy);
-  if (m_fileSystem.unlink(m_path.c_str()) != 0) throw FileError("cannot be cleared (" + m_path + ")", errno);
 }
 
-bool NewFile::isStillAt(int file) const {
-  struct stat open {};
-  struct stat there {};
-  if (m_fileSystem.fstat(file, &open) != 0) throw FileError("cannot be examined", errno);
-  if (m_fileSystem.lstat(m_path.c_str(), &there) != 0) {
-    if (errno == ENOENT) return false;
-    throw FileError("cannot be examined", errno);
-  }
-  return open.st_dev == there.st_dev && open.st_ino == there.st_ino;
+void NewFile::make(std::span<const std::string_view> pieces, const FileAttributes& attributes) {
+  std::size_t size = 0;
+  for (const std::string_view piece : pieces) size += piece.size();
+  if (attributes.owner) setOwner(*attributes.owner);
+  for (const ExtendedAttribute& attribute : attributes.extended) setAttribute(attribute);
+  reserve(size);
+  write(pieces);
+  setAccess(attributes);
+  check(pieces);
 }
 
-void NewFile::setOwner(uid_t owner, gid_t group) {
+void NewFile::setOwner(const FileOwner& owner) {
   struct stat status {};
   if (m_fileSystem.fstat(file(), &status) != 0) throw FileError("cannot be examined", errno);
-  if (status.st_uid == owner && status.st_gid == group) return;
-  if (m_fileSystem.fchown(file(), owner, group) != 0) throw FileError("its owner cannot be kept", errno);
+  if (status.st_uid == owner.user && status.st_gid == owner.group) return;
+  if (m_fileSystem.fchown(file(), owner.user, owner.group) != 0) throw FileError("its owner cannot be kept", errno);
 }
 
-void NewFile::setMode(mode_t mode) {
-  if (m_fileSystem.fchmod(file(), mode) != 0) throw FileError("its permissions cannot be kept", errno);
+// A label that the system has given the new file by itself need not be set, which may be forbidden.
+void NewFile::setAttribute(const ExtendedAttribute& attribute) {
+  const char* const name = attribute.name.c_str();
+  std::string there(attribute.value.size() + 1, '\0');
+  const ssize_t size = m_fileSystem.fgetxattr(file(), name, there.data(), there.size());
+  if (size >= 0 && std::string_view(there).substr(0, static_cast<std::size_t>(size)) == attribute.value) return;
+  if (m_fileSystem.fsetxattr(file(), name, attribute.value.data(), attribute.value.size()) != 0) {
+    throw FileError("its attribute " + attribute.name + " cannot be kept", errno);
+  }
+}
+
+// A full disk is told now rather than after half of the file. Where no room can be reserved, the writes tell it.
+void NewFile::reserve(std::size_t size) {
+  if (size == 0) return;
+  int rc = 0;
+  do rc = m_fileSystem.fallocate(file(), static_cast<off_t>(size));
+  while (rc != 0 && errno == EINTR);
+  if (rc == 0 || errno == EOPNOTSUPP || errno == ENOSYS || errno == EINVAL || errno == ENODEV) return;
+  throw FileError("cannot be written", errno);
+}
+
+// The list comes first, for it sets the permission bits that belong to it in the same step; the other way round, the
+// mask would be the group's permissions for a moment.
+void NewFile::setAccess(const FileAttributes& attributes) {
+  if (!attributes.accessList.empty()) setAttribute({kAccessListAttribute, attributes.accessList});
+  if (m_fileSystem.fchmod(file(), attributes.mode) != 0) throw FileError("its permissions cannot be kept", errno);
+  for (const ExtendedAttribute& attribute : attributes.extended) {
+    if (attribute.isOfSystem()) setAttribute(attribute);
+  }
 }
 
 void NewFile::write(std::span<const std::string_view> pieces) {
@@ -176,14 +240,11 @@ void NewFile::check(std::span<const std::string_view> pieces) {
 
 void NewFile::replace(const std::string& target) {
   if (m_fileSystem.rename(m_path.c_str(), target.c_str()) != 0) throw FileError("cannot be put in place", errno);
-  m_mine = false;
+  isInPlace();
 }
 
 void NewFile::placeNew(const std::string& target) {
-  if (m_fileSystem.renameNoReplace(m_path.c_str(), target.c_str()) == 0) {
-    m_mine = false;
-    return;
-  }
+  if (m_fileSystem.renameNoReplace(m_path.c_str(), target.c_str()) == 0) return isInPlace();
   if (errno == EEXIST) throw FileError("was created by another program in the meantime");
   if (errno != EINVAL && errno != ENOSYS) throw FileError("cannot be put in place", errno);
   // A file system that cannot do that in one step: a second name, which fails as well if the first is taken.
@@ -196,7 +257,14 @@ void NewFile::placeNew(const std::string& target) {
     m_fileSystem.unlink(target.c_str());
     throw FileError("cannot be put in place", error);
   }
+  isInPlace();
+}
+
+// The mark goes last: without it, a file that is left behind would be taken for somebody else's. Where it cannot be
+// removed it does no harm, since it means nothing under the file's own name and is not carried to the next file.
+void NewFile::isInPlace() {
   m_mine = false;
+  m_fileSystem.fremovexattr(file(), kUnfinishedMark);
 }
 
 }  // namespace cfgstore

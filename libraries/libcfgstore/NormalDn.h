@@ -1,7 +1,8 @@
 // NormalDn.h -- the normal form of distinguished names, the one place that knows when two DNs are the same.
 //
 // What is read: DNs as RFC 4514 writes them, and what older servers write besides: blanks around `,` `+` and `=`,
-// `;` between RDNs, values in double quotes, attribute types as OIDs with or without "OID.".
+// `;` between RDNs, values in double quotes, attribute types as OIDs with or without "OID.", underscores in attribute
+// types.
 //
 // What is written, always in the same way:
 //

@@ -11,6 +11,8 @@
 #include <string>
 #include <string_view>
 
+#include "ConfigStore.h"
+
 namespace cfgstore {
 
 // What changes when another program writes or replaces a file.
@@ -19,19 +21,24 @@ struct FileStamp {
   ino_t inode = 0;
   off_t size = 0;
   timespec modified{};
-  mode_t mode = 0600;  // permission bits; neither they nor the group are part of the comparison
+  timespec changed{};  // of the file or of what is known about it; nobody can set it back
+  mode_t mode = 0600;  // the permission bits of a file that nobody may use who may not use this one, access control
+                       // list included; neither they nor the group are part of the comparison
   gid_t group = 0;
 
-  static FileStamp of(const struct stat& status);
+  static FileStamp of(const struct stat& status, std::string_view accessList = {});
   bool isSameFile(const FileStamp& other) const { return device == other.device && inode == other.inode; }
   bool isUnchanged(const FileStamp& other) const;
+  bool isUntouched(const FileStamp& other) const;  // and its names and permissions are unchanged too
 };
 
 // Read into memory rather than mapped: a file that another program truncates while it is mapped would end this one.
 class SourceText {
  public:
   // Reads the file at `path`: a regular file, or a pipe up to its end. On failure returns nothing and says why in
-  // `why`, as a phrase to follow the path.
+  // `why`, as a phrase to follow the path. A file larger than limits().fileSize is refused before it is read; a pipe is
+  // read up to the limit.
+  static std::optional<SourceText> read(const std::string& path, Problem& why);
   static std::optional<SourceText> read(const std::string& path, std::string& why);
 
   // A text that no file holds.

@@ -3,7 +3,7 @@
 #include <array>
 #include <cerrno>
 
-#include "NewFile.h"
+#include "FileError.h"
 
 namespace cfgstore {
 
@@ -11,7 +11,7 @@ std::string readWhole(FileSystem& fileSystem, int file) {
   std::string content;
   std::array<char, std::size_t{1} << 16> block;
   while (true) {
-    const ssize_t got = fileSystem.read(file, block.data(), block.size());
+    const ssize_t got = fileSystem.pread(file, block.data(), block.size(), static_cast<off_t>(content.size()));
     if (got < 0 && errno == EINTR) continue;
     if (got < 0) throw FileError("cannot be read", errno);
     if (got == 0) return content;

@@ -9,7 +9,7 @@
 
 namespace cfgstore {
 
-// What is in the open file from where it is read next. Throws FileError.
+// What is in the open file. Throws FileError.
 std::string readWhole(FileSystem& fileSystem, int file);
 
 }  // namespace cfgstore

@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cerrno>
 #include <cstddef>
 #include <cstdio>
@@ -24,19 +25,27 @@ class TextFile {
   TextFile& operator=(const TextFile&) = delete;
 
   // Writes `text` whole in one call where the system takes it whole, which keeps the lines of two threads or two
-  // processes apart. What cannot be written is given up.
+  // processes apart. What cannot be written is given up, and remembered as a failure.
   void write(std::string_view text) const {
     while (!text.empty()) {
       const ssize_t written = ::write(m_descriptor, text.data(), text.size());
       if (written < 0 && errno == EINTR) continue;
-      if (written <= 0) return;
+      if (written <= 0) return fail(written < 0 ? errno : EIO);
       text.remove_prefix(static_cast<std::size_t>(written));
     }
   }
 
+  void fail(int error) const {
+    int none = 0;
+    m_error.compare_exchange_strong(none, error);
+  }
+
+  int error() const { return m_error; }
+
  private:
   int m_descriptor;
   bool m_owned;
+  mutable std::atomic<int> m_error{0};  // why the first record that was given up could not be written
 };
 
 // Where records go. Each of the members may be empty; text and function are never both set.
@@ -93,6 +102,7 @@ void write(const Sinks& sinks, const Record& record) noexcept {
   try {
     sinks.text->write(textLine(record) + '\n');
   } catch (...) {  // no memory for the line
+    sinks.text->fail(ENOMEM);
   }
 }
 
@@ -115,6 +125,11 @@ bool writeTextTo(const std::string& path, std::uint32_t mask) {
     sinks.function = nullptr;
   });
   return true;
+}
+
+int textError() {
+  const Sinks sinks = registry().current();
+  return sinks.text ? sinks.text->error() : 0;
 }
 
 void sendTo(Sink sink) {

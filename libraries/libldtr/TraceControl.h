@@ -61,6 +61,10 @@ void discard();  // nowhere, the state at the start; ends sendAlsoTo as well
 // False, with errno set and the sinks unchanged, when the file cannot be opened.
 bool writeTextTo(const std::string& path, std::uint32_t mask = kEverything);
 
+// Whether records could not be written to the text sink that is set up: the errno of the first one that was given up,
+// 0 when none was or there is no text sink.
+int textError();
+
 void sendTo(Sink sink);      // to a function
 void sendAlsoTo(Sink sink);  // to a function besides the sink above; an empty function ends it
 

@@ -7,6 +7,8 @@
 #include <functional>
 #include <new>
 
+#include "Inspection.h"
+#include "Snapshot.h"
 #include "TestStore.h"
 
 namespace {
@@ -157,6 +159,32 @@ TEST(AllocationFault, OpensNothing) {
     }
     allocationsLeft = -1;
     if (!failed) return;
+  }
+}
+
+TEST(AllocationFault, TakesNoHalfASnapshot) {
+  sweep([](auto& utils) {
+    const Snapshot snapshot(ConfigStore::of(utils));
+    EXPECT_EQ(snapshot.findEntry("CN=C,CN=Y"), 2U);
+    EXPECT_NE(snapshot.findAttribute(0, "NAME69"), Snapshot::kNone);
+    EXPECT_EQ(snapshot.values().size(), 144U);
+  });
+}
+
+TEST(AllocationFault, EndsAnInspectionWithoutAResult) {
+  const test::TemporaryDirectory directory;
+  const std::string path = directory.write("a.ldif", sampleText() + "a: 1\na: 1\nbad\n");
+  for (long n = 0;; ++n) {
+    ASSERT_LT(n, 10000) << "the sweep does not end";
+    allocationsLeft = n;
+    try {
+      const Inspection inspection = inspect(path);
+      allocationsLeft = -1;
+      EXPECT_EQ(inspection.errors, 1U);
+      return;
+    } catch (const std::bad_alloc&) {
+      allocationsLeft = -1;
+    }
   }
 }
 

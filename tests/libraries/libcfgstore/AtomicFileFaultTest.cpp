@@ -1,6 +1,7 @@
 // Whichever system call of a save fails, and wherever the program is stopped, the target is the old file or the new
 // one, whole.
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -37,6 +38,7 @@ class AtomicFileFault : public testing::Test {
     const auto read = SourceText::read(m_source.path, why);
     m_source.resolved = read->resolvedPath();
     m_source.stamp = read->stamp();
+    m_source.text = kOld;
     m_target = target == Target::source ? m_source.path : m_directory.file("target");
     if (target == Target::other) m_directory.write("target", kOld);
     m_existed = target != Target::none;
@@ -168,9 +170,11 @@ TEST_F(AtomicFileFault, LeavesOldOrNewWhereverItIsKilledAndTheNextSaveClearsUp) 
         }
         // Another program saves something else.
         std::string why;
+        m_source.text.reset();
         if (std::filesystem::exists(m_source.path)) m_source.stamp = SourceText::read(m_source.path, why)->stamp();
         const std::vector<std::string_view> next{"the next file\n"};
-        AtomicFile(FileSystem::real(), m_target, m_source).save(next, Backup::none, kNow + 1);
+        FaultyFileSystem sound;
+        AtomicFile(sound, m_target, m_source).save(next, Backup::none, kNow + 1);
         EXPECT_EQ(readFile(m_target), "the next file\n");
         for (const std::string& name : newNames()) {
           EXPECT_TRUE(name == "target" || name.ends_with(".bak")) << name << " after " << files.failedCall();
@@ -241,6 +245,25 @@ TEST_F(AtomicFileFault, NoticesAFileThatIsWrittenWhileItIsSaved) {
   EXPECT_FALSE(save(files, Backup::none));
   EXPECT_THAT(m_error, HasSubstr("is being changed by another program"));
   EXPECT_EQ(readFile(m_target), "somebody else's\n");
+}
+
+// Written in place after everything else was looked at, with its time put back: only the content shows it.
+TEST_F(AtomicFileFault, ComparesTheContentImmediatelyBeforeTheFileIsReplaced) {
+  for (const Backup backup : {Backup::none, Backup::keep}) {
+    prepare(Target::source);
+    struct stat before {};
+    ASSERT_EQ(::stat(m_target.c_str(), &before), 0);
+    FaultyFileSystem files;
+    files.before("link", [&] {
+      test::writeFile(m_target, "somebody's f\n");
+      const timespec times[] = {before.st_atim, before.st_mtim};
+      ASSERT_EQ(::utimensat(AT_FDCWD, m_target.c_str(), times, 0), 0);
+    });
+    EXPECT_FALSE(save(files, backup));
+    EXPECT_THAT(m_error, HasSubstr("was changed by another program since it was read"));
+    EXPECT_EQ(readFile(m_target), "somebody's f\n");
+    EXPECT_THAT(newNames(), ElementsAre());
+  }
 }
 
 TEST_F(AtomicFileFault, NoticesAFileThatIsReplacedWhileItIsOpened) {

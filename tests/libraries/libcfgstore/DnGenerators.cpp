@@ -137,9 +137,10 @@ rc::Gen<std::string> valueOf(rc::Gen<std::string> piece) {
 }
 
 rc::Gen<ModelRdn> anyRdn() {
+  // At full size: a range is narrowed with the size of what is generated, which is small in a DN.
+  const auto type = rc::gen::resize(rc::kNominalSize, rc::gen::inRange<std::size_t>(0, kTypes.size()));
   const auto pair =
-      rc::gen::build<ModelPair>(rc::gen::set(&ModelPair::type, rc::gen::inRange<std::size_t>(0, kTypes.size())),
-                                rc::gen::set(&ModelPair::value, anyValue()));
+      rc::gen::build<ModelPair>(rc::gen::set(&ModelPair::type, type), rc::gen::set(&ModelPair::value, anyValue()));
   const auto unique = [](const ModelPair& one) { return one.type; };
   const auto size = rc::gen::weightedElement<std::size_t>({{6, 1}, {2, 2}, {1, 4}});
   return rc::gen::mapcat(size, [=](std::size_t n) { return rc::gen::uniqueBy<ModelRdn>(n, pair, unique); });

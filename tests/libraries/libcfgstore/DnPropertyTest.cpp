@@ -129,6 +129,18 @@ RC_GTEST_PROP(DnProperty, BeingTheSameIsAnEquivalenceOfShortTexts, ()) {
   checkEquivalence(dns);
 }
 
+// No value of the generators has a hyphen, one of their types has.
+RC_GTEST_PROP(DnProperty, AnUnderscoreInATypeIsReadAsAHyphenIs, ()) {
+  const auto withUnderscores = [](std::string text) {
+    std::replace(text.begin(), text.end(), '-', '_');
+    return text;
+  };
+  const std::string text = *anySpelling();
+  const std::string normal = normalDn(text).value();
+  RC_CLASSIFY(normal.find('-') != std::string::npos, "with a type that has a hyphen");
+  RC_ASSERT(normalDn(withUnderscores(text)) == withUnderscores(normal));
+}
+
 RC_GTEST_PROP(DnProperty, AnEntryIsWithinItselfAndItsParentsAndNothingElse, ()) {
   const std::string normal = normalDn(*anySpelling()).value();
   const auto line = lineOf(normal);

@@ -5,14 +5,12 @@
 
 #include <rapidcheck.h>
 
-#include <map>
+#include <iosfwd>
 #include <string>
-#include <vector>
+
+#include "StoreModel.h"
 
 namespace cfgstore::test {
-
-// By normal DN, then by name in lower case: the values, each once.
-using Content = std::map<std::string, std::map<std::string, std::vector<std::string>>>;
 
 struct GeneratedLdif {
   std::string text;

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "LdifReader.h"
 #include "TestStore.h"
 
 namespace cfgstore {
@@ -53,6 +54,9 @@ const BadFile kBadFiles[] = {
     {"a zero byte in base64", "dn: CN=A\nkey:: YQBi\n",
      "2: a value of \"key\" holds a zero byte, which no setting can"},
     {"a zero byte", "dn: CN=A\na: x" + kZero + "y\n", "2: a zero byte; expected a text file"},
+    {"a zero byte in a continuation", "dn: CN=A\na: x\n y\n z" + kZero + "\n", "4: a zero byte; expected a text file"},
+    {"a zero byte in a comment", "# x" + kZero + "\ndn: CN=A\n", "1: a zero byte; expected a text file"},
+    {"a zero byte in a dn line", "dn: CN=A" + kZero + "\na: 1\n", "1: a zero byte; expected a text file"},
     {"a binary file",
      std::string("\x7F"
                  "ELF\x02\x01\x01") +
@@ -100,6 +104,12 @@ TEST(LdifProblems, ReportsAllThatIsWrongInOneRun) {
                           "10: not a distinguished name; expected \"dn: CN=...\" as RFC 4514 writes it"));
 }
 
+TEST(LdifProblems, ReportsInTheOrderOfTheLinesAlsoWithinOneFoldedLine) {
+  EXPECT_THAT(problemsOf("dn: CN=A\ndn: CN=B\n " + kZero + "\n"),
+              ElementsAre("2: \"dn:\" in the middle of an entry; expected a blank line before it",
+                          "3: a zero byte; expected a text file"));
+}
+
 TEST(LdifProblems, StopsAtTheHundredth) {
   std::string text = "dn: CN=A\n";
   for (int i = 0; i < 150; ++i) text += "bad\n";
@@ -107,6 +117,44 @@ TEST(LdifProblems, StopsAtTheHundredth) {
   ASSERT_EQ(problems.size(), 101U);
   EXPECT_EQ(problems[99], "101: no colon on this line; expected \"attribute: value\"");
   EXPECT_EQ(problems[100], "102: too many problems; the rest of the file was not read");
+}
+
+TEST(LdifProblems, EndAtMoreLinesThanCanBeNumbered) {
+  for (const std::size_t most : {std::size_t{3}, std::size_t{2}}) {
+    TextArena arena;
+    Strings problems;
+    readLdif(
+        "dn: CN=A\na: 1\na: 2\n", arena,
+        [&](const Problem& problem) {
+          problems.push_back(std::to_string(problem.line) + ": " + problem.text);
+          return true;
+        },
+        most);
+    EXPECT_EQ(problems, most == 3 ? Strings() : Strings{"3: more than 2 lines; the rest was not read"});
+  }
+}
+
+TEST(LdifProblems, EndTheReadingWhenNoMoreAreWanted) {
+  TextArena arena;
+  int told = 0;
+  const auto tell = [&](const Problem&) { return ++told < 2; };
+  readLdif("bad\ndn: CN=A\ndn:: x\nbad\n", arena, tell);
+  EXPECT_EQ(told, 2);
+}
+
+// What is read besides them is in order: lines do not overlap, and nothing but the lines with problems is left out.
+TEST(LdifProblems, LeaveTheOtherLinesInTheTable) {
+  const std::string text = "# c\n\nbad\n\n\nbad\ndn: CN=A\na: 1\nbad\n\n\ndn: bad\nb: 1\n\ndn: CN=A\n";
+  TextArena arena;
+  std::string kept;
+  const LdifContent content = readLdif(text, arena, [](const Problem&) { return true; });
+  for (const Line& line : content.lines) kept += line.text();
+  EXPECT_EQ(kept, "# c\n\n\n\ndn: CN=A\na: 1\n\n\ndn: bad\nb: 1\n\ndn: CN=A\n");
+  ASSERT_EQ(content.entries.size(), 3U);
+  EXPECT_TRUE(content.entries[0].named && content.entries[0].faulty);
+  EXPECT_FALSE(content.entries[1].named || content.entries[1].faulty);
+  EXPECT_FALSE(content.entries[2].named || content.entries[2].faulty);
+  EXPECT_EQ(content.entries[2].line, 15U);
 }
 
 TEST(LdifProblems, NeverShowAValue) {

@@ -107,6 +107,7 @@ constexpr Form kForms[] = {
     {"1.3.6.1.4.1.99=a", "1.3.6.1.4.1.99=A"},
     {"oid.1.2=a", "1.2=A"},
     {"commonName=a", "COMMONNAME=A"},
+    {"zor_Slapd=a", "ZOR_SLAPD=A"},
     // Multi-valued RDNs.
     {"sn=b+cn=a", "CN=A+SN=B"},
     {"cn=a + sn=b , cn=c", "CN=A+SN=B,CN=C"},
@@ -133,7 +134,7 @@ constexpr std::string_view kInvalid[] = {
     "cn=a+,cn=b",
     "+cn=a",
     "c n=a",
-    "c_n=a",
+    "_cn=a",
     "-cn=a",
     "9cn=a",
     "\xc3\xa4=a",

@@ -7,62 +7,16 @@
 #include <algorithm>
 
 #include "LdifGenerator.h"
-#include "ResultCode.h"
+#include "StoreModel.h"
 #include "TestStore.h"
 
 namespace cfgstore {
 namespace {
 
 using test::Content;
+using test::StoreModel;
 using test::Strings;
 using test::TestStore;
-
-// The contract in its simplest form. DNs and names are in normal form.
-class Model {
- public:
-  explicit Model(Content content) : m_content(std::move(content)) {}
-
-  int addValue(const std::string& dn, const std::string& name, const std::string& value) {
-    if (!m_content.contains(dn)) return kNoSuchObject;
-    Strings& values = m_content[dn][name];
-    if (!holds(values, value)) values.push_back(value);
-    return kSuccess;
-  }
-  int delValue(const std::string& dn, const std::string& name, const Strings& listed) {
-    if (!m_content.contains(dn)) return kNoSuchObject;
-    if (listed.empty()) return kSuccess;
-    auto& attributes = m_content[dn];
-    if (!attributes.contains(name)) return kNoSuchAttribute;
-    Strings& values = attributes[name];
-    for (const std::string& value : listed) {
-      if (!holds(values, value)) return kNoSuchAttribute;
-    }
-    for (const std::string& value : listed) std::erase(values, value);
-    if (values.empty()) attributes.erase(name);
-    return kSuccess;
-  }
-  int setValue(const std::string& dn, const std::string& name, const std::string& value) {
-    if (!m_content.contains(dn)) return kNoSuchObject;
-    m_content[dn][name] = {value};
-    return kSuccess;
-  }
-  int addEntry(const std::string& dn, const std::string& cn, const std::string& first, const std::string& second) {
-    if (m_content.contains(dn)) return kEntryAlreadyExists;
-    m_content[dn] = {{"cn", {cn}}, {"objectclass", {first}}};
-    addValue(dn, "objectclass", second);
-    return kSuccess;
-  }
-  int removeEntry(const std::string& dn) { return m_content.erase(dn) == 1 ? kSuccess : kNoSuchObject; }
-
-  const Content& content() const { return m_content; }
-
- private:
-  static bool holds(const Strings& values, const std::string& value) {
-    return std::find(values.begin(), values.end(), value) != values.end();
-  }
-
-  Content m_content;
-};
 
 Content contentOf(TestStore& store) {
   Content content;
@@ -82,7 +36,7 @@ Content contentOf(TestStore& store) {
 }
 
 // One random operation on both; they must answer the same.
-void step(TestStore& store, Model& model) {
+void step(TestStore& store, StoreModel& model) {
   const std::string number(1, *rc::gen::inRange<char>('0', '8'));
   const std::string normal = "CN=E" + number + ",CN=CONFIGURATION";
   const std::string written = *rc::gen::elementOf(
@@ -127,7 +81,7 @@ void step(TestStore& store, Model& model) {
 RC_GTEST_PROP(StoreModel, AgreesAfterEachStep, ()) {
   const test::GeneratedLdif file = *test::genLdif();
   TestStore store(file.text);
-  Model model(file.content);
+  StoreModel model(file.content);
   for (int steps = *rc::gen::inRange(0, 15); steps > 0; --steps) {
     step(store, model);
     RC_ASSERT(contentOf(store) == model.content());
@@ -137,7 +91,7 @@ RC_GTEST_PROP(StoreModel, AgreesAfterEachStep, ()) {
 RC_GTEST_PROP(StoreModel, AgreesWithTheTextThatIsReadAgain, ()) {
   const test::GeneratedLdif file = *test::genLdif();
   TestStore store(file.text);
-  Model model(file.content);
+  StoreModel model(file.content);
   for (int steps = *rc::gen::inRange(0, 40); steps > 0; --steps) step(store, model);
   const std::string text = store.text();
   TestStore again(text);

@@ -7,6 +7,7 @@ pkg_check_modules(UTF8PROC REQUIRED IMPORTED_TARGET libutf8proc)
 add_executable(cfgstore_dn_tests
     "${CMAKE_CURRENT_LIST_DIR}/DnAgreementTest.cpp"
     "${CMAKE_CURRENT_LIST_DIR}/DnAllocationTest.cpp"
+    "${CMAKE_CURRENT_LIST_DIR}/DnExamplesTest.cpp"
     "${CMAKE_CURRENT_LIST_DIR}/DnFunctionsTest.cpp"
     "${CMAKE_CURRENT_LIST_DIR}/DnGenerators.cpp"
     "${CMAKE_CURRENT_LIST_DIR}/DnHostileTest.cpp"

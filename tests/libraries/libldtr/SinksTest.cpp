@@ -47,6 +47,23 @@ TEST_F(Sinks, TextFileGetsOneLineARecord) {
             "debug mergeIn60 mergeIn60: a text\n");
 }
 
+TEST_F(Sinks, RemembersThatTextCouldNotBeWritten) {
+  EXPECT_EQ(ldtr::textError(), 0) << "there is no text";
+  ASSERT_TRUE(ldtr::writeTextTo(path("trace")));
+  say("a text");
+  EXPECT_EQ(ldtr::textError(), 0);
+  ASSERT_TRUE(ldtr::writeTextTo("/dev/full"));
+  EXPECT_EQ(ldtr::textError(), 0) << "nothing was to be written";
+  errno = EDOM;
+  say("a text");
+  EXPECT_EQ(errno, EDOM);
+  EXPECT_EQ(ldtr::textError(), ENOSPC);
+  ASSERT_TRUE(ldtr::writeTextTo(path("trace")));
+  EXPECT_EQ(ldtr::textError(), 0) << "this is another file";
+  ldtr::discard();
+  EXPECT_EQ(ldtr::textError(), 0);
+}
+
 TEST_F(Sinks, TextFileIsAppendedTo) {
   std::ofstream(path("trace")) << "before\n";
   ASSERT_TRUE(ldtr::writeTextTo(path("trace")));

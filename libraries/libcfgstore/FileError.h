@@ -1,0 +1,32 @@
+// FileError.h -- what goes wrong with files.
+
+#ifndef CFGMIG_LIBCFGSTORE_FILEERROR_H
+#define CFGMIG_LIBCFGSTORE_FILEERROR_H
+
+#include <stdexcept>
+#include <string>
+
+namespace cfgstore {
+
+// A step that failed, and why; a phrase to follow the path.
+class FileError : public std::runtime_error {
+ public:
+  explicit FileError(const std::string& text) : std::runtime_error(text) {}
+  FileError(const std::string& step, int error);
+};
+
+// Nothing was begun, because somebody else is at work on the file or was since it was read.
+class FileInUse : public FileError {
+ public:
+  using FileError::FileError;
+};
+
+// The old file was replaced and could not be put back.
+class FileNotRestored : public FileError {
+ public:
+  using FileError::FileError;
+};
+
+}  // namespace cfgstore
+
+#endif  // CFGMIG_LIBCFGSTORE_FILEERROR_H
