@@ -25,6 +25,8 @@ const char* fateName(Fate fate) {
       return "left";
     case Fate::skipped:
       return "skipped";
+    case Fate::outside:
+      return "outside";
   }
   return "";
 }

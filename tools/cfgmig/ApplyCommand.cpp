@@ -1,141 +1,244 @@
 // ApplyCommand.cpp -- cfgmig apply.
 
+#include <filesystem>
 #include <memory>
 #include <optional>
 #include <ostream>
 #include <string>
 #include <vector>
 
-#include "AccountText.h"
 #include "Commands.h"
 #include "ConfigStore.h"
 #include "Configuration.h"
 #include "Failure.h"
-#include "LeftBehind.h"
-#include "MergeAccount.h"
-#include "MergeRecorder.h"
+#include "HeldSignals.h"
+#include "Outputs.h"
 #include "PrintableText.h"
 #include "Saving.h"
-#include "SchemaCopies.h"
-#include "SourceVersion.h"
-#include "SourceVersions.h"
-#include "Target.h"
 #include "Tracing.h"
+#include "migration/Migration.h"
+#include "migration/MigrationRequest.h"
+#include "migration/ReportRequest.h"
+#include "migration/SelfCheck.h"
+#include "migration/UndoRecord.h"
+#include "report/Sha256.h"
 
 namespace tool {
 namespace {
 
-struct Request {
-  std::string oldPath;
-  std::string newPath;
-  std::string target;
-  std::string version;  // empty: to be recognised
-  std::optional<SchemaDirectories> schemas;
-  bool preview;
-  bool verbose;
-};
-
-// Reads the arguments, and refuses before any file is opened what must not be done.
-Request readRequest(const Arguments& arguments) {
-  Request request{arguments.value("--old"),   arguments.value("--new"),  {}, arguments.value("--from"), {},
-                  arguments.has("--dry-run"), arguments.has("--verbose")};
-  if (arguments.has("--from") && !isSourceVersion(request.version)) {
-    throw Failure(ExitStatus::usage,
-                  "unknown version '" + ldtr::printable(request.version) + "'; known are: " + listOfSourceVersions());
-  }
-  const NamedFile oldFile{request.oldPath, "the old configuration"};
-  const NamedFile newFile{request.newPath, "the new configuration"};
-  refuseSameFile(oldFile, newFile);
-  request.target = targetOf(arguments, newFile, {&oldFile, 1});
-  request.schemas = SchemaDirectories::of(arguments);
-  return request;
+MigrationRequest readRequest(const Arguments& arguments) {
+  return arguments.has("PLAN") ? requestOfPlan(arguments) : requestOf(arguments, true);
 }
 
-// Where a transfer ended early, looks up what it left behind.
-void nameWhatIsLeftBehind(Account& account, ConfigFile& oldConfiguration, ConfigFile& newConfiguration) {
-  for (Loss& loss : account.losses) {
-    if (!loss.restNotCarried || loss.entry.empty() || loss.target.empty()) continue;
-    loss.behind =
-        attributesLeftBehind(*oldConfiguration.getCfgUtils(), loss.entry, *newConfiguration.getCfgUtils(), loss.target);
+void tellAll(const std::vector<std::string>& lines, Console& console) {
+  for (const std::string& line : lines) console.err << "cfgmig: " << line << '\n';
+}
+
+// The record of the target; one that cannot be read is as good as none here,
+// but it is told.
+std::optional<UndoRecord> recordOf(const std::string& target, Console& console) {
+  try {
+    return readUndoRecord(target);
+  } catch (const Failure& failure) {
+    tellAll(failure.lines(), console);
+    return std::nullopt;
   }
 }
 
-Account merge(const std::string& version, ConfigFile& oldConfiguration, ConfigFile& newConfiguration,
-              const std::vector<std::string>& oldEntries) {
-  MergeAccount account(oldEntries, readInventory(newConfiguration));
-  int result = 0;
-  {
-    const MergeRecorder recorder(account, oldConfiguration, newConfiguration);
-    result = newConfiguration.mergeConfigFiles(&oldConfiguration, version.c_str());
-    recorder.check();
-  }
-  if (result == 0) throw Failure(ExitStatus::failed, "the merge could not begin; nothing was written");
-  Account finished = account.finish();
-  nameWhatIsLeftBehind(finished, oldConfiguration, newConfiguration);
-  return finished;
+bool sameDirectories(const std::optional<SchemaDirectories>& asked,
+                     const std::optional<MergeOptions::Schemas>& recorded) {
+  if (!asked || !recorded) return !asked && !recorded;
+  return std::filesystem::absolute(asked->search).string() == recorded->searchDirectory &&
+         asked->target == recorded->targetDirectory;
 }
 
-// Old passwords and keys come into the result. A file of its own may be read by those only who may read both
-// configurations. The new configuration keeps its permissions, since its server has to read it; what that means is
-// told.
-unsigned permissionsOf(const Request& request, const cfgstore::ConfigStore& oldStore,
-                       const cfgstore::ConfigStore& newStore, Console& console) {
+// Whether the new configuration is what this very migration has made of it
+// before. A rule may add something of its own each time, so merging again would
+// not show it.
+bool isApplied(const Migration& migration, Console& console) {
+  const MigrationRequest& request = migration.request();
+  if (request.target != request.newPath) return false;
+  const std::optional<UndoRecord> record = recordOf(request.target, console);
+  if (!record || record->sha256 != migration.newInput().sha256) return false;
+  if (record->oldFile.sha256 != migration.oldInput().sha256) return false;
+  if (!request.version.empty() && request.version != record->sourceVersion) return false;
+  if (request.plan && request.plan->newFile.sha256 != record->newFile.sha256 &&
+      request.plan->newFile.sha256 != record->sha256) {
+    return false;
+  }
+  return sameDirectories(request.schemas, record->schemas);
+}
+
+void refuseStalePlan(const Migration& migration) {
+  std::vector<std::string> lines = migration.staleInputs();
+  if (lines.empty()) return;
+  lines.push_back(ldtr::printable(migration.request().planPath) +
+                  ": the plan is stale; make a new one with cfgmig plan");
+  throw Failure(ExitStatus::blocked, lines);
+}
+
+// Old passwords and keys come into the result. A file of its own may be read by
+// those only who may read both configurations. The new configuration keeps its
+// permissions, since its server has to read it; what that means is told.
+unsigned permissionsOf(const Migration& migration, Console& console) {
   constexpr unsigned kOfOthers = 07;
-  if (request.target != request.newPath) return (oldStore.permissions() & newStore.permissions()) | 0600U;
-  if ((newStore.permissions() & ~oldStore.permissions() & kOfOthers) != 0) {
+  const MigrationRequest& request = migration.request();
+  const unsigned ofOld = migration.oldStore().permissions();
+  const unsigned ofNew = migration.newStore().permissions();
+  if (request.target != request.newPath) return (ofOld & ofNew) | 0600U;
+  if ((ofNew & ~ofOld & kOfOthers) != 0) {
     console.err << "cfgmig: " << ldtr::printable(request.newPath) << " is open to everybody, unlike "
                 << ldtr::printable(request.oldPath) << ", whose passwords and keys go into it\n";
   }
   return kAnyPermissions;
 }
 
-std::string shortcomingOf(const Account& account, const std::optional<SchemaCopies>& schemas) {
-  std::string text = account.losses.empty() ? "" : "with losses";
-  if (schemas && !schemas->isComplete()) text += (text.empty() ? "" : ", ") + std::string(kSchemaFilesMissing);
-  return text;
+std::string fingerprintOf(const std::string& path) { return path.empty() ? "" : sha256OfFile(path); }
+
+UndoRecord recordOf(const Migration& migration, const Report& report, const std::string& backup) {
+  UndoRecord record;
+  record.toolVersion = report.toolVersion;
+  record.time = report.time;
+  record.sourceVersion = migration.sourceVersion();
+  record.target = std::filesystem::canonical(migration.request().target).string();
+  record.sha256 = fingerprintOf(record.target);
+  record.backup = backup.empty() ? "" : std::filesystem::absolute(backup).string();
+  record.backupSha256 = fingerprintOf(record.backup);
+  record.oldFile = migration.oldInput();
+  record.newFile = migration.newInput();
+  record.schemas = report.options.schemas;
+  for (const SchemaFile& file : report.outcome.schemas) {
+    if (file.fate != SchemaFile::Fate::copied) continue;
+    record.copies.push_back(
+        {file.destination, fingerprintOf(file.destination), file.backup, fingerprintOf(file.backup)});
+  }
+  return record;
+}
+
+// Without anything that was replaced there is nothing that an undo could put back.
+void noteForUndo(const UndoRecord& record) {
+  if (record.backup.empty() && record.copies.empty()) return removeUndoRecord(record.target);
+  writeUndoRecord(record);
+}
+
+// What is done when the target has been written. A failure of it takes nothing
+// back, and is told; true when all went well.
+template <class Step>
+bool afterwards(const Step& step, Console& console) {
+  try {
+    step();
+    return true;
+  } catch (const Failure& failure) {
+    tellAll(failure.lines(), console);
+  } catch (const std::filesystem::filesystem_error& error) {
+    tellAll({ldtr::printable(error.what())}, console);
+  }
+  return false;
+}
+
+void tellRecovered(const cfgstore::SaveResult& saved, Console& console) {
+  if (saved.recoveredPath.empty()) return;
+  tellAll({"kept: " + ldtr::printable(saved.recoveredPath) + ", which an interrupted run had replaced"}, console);
+}
+
+bool checkResult(const Migration& migration, Console& console) {
+  const auto& schemas = migration.request().schemas;
+  std::vector<std::string> faults =
+      selfCheck(migration.ledger(), migration.request().target, schemas ? schemas->target : "");
+  if (faults.empty()) return true;
+  constexpr std::size_t kMost = 20;
+  const std::size_t left = faults.size() > kMost ? faults.size() - kMost : 0;
+  faults.resize(faults.size() - left);
+  if (left > 0) faults.push_back("and " + std::to_string(left) + " more");
+  const std::string target = ldtr::printable(migration.request().target);
+  faults.insert(faults.begin(), target + ": the check of the result has failed");
+  faults.push_back("see cfgmig verify; cfgmig undo " + target + " puts back what was there before");
+  tellAll(faults, console);
+  return false;
+}
+
+// A run that was killed may have left something although it had written the result.
+void clearUp(const std::string& target, Console& console) {
+  const std::unique_ptr<cfgstore::ConfigStore> store = openStore(target);
+  tellRecovered(saveTo(*store, target), console);
+}
+
+ExitStatus write(Migration& migration, const ReportRequest& reports, Report& report, Console& console) {
+  const MigrationRequest& request = migration.request();
+  const unsigned permissions = permissionsOf(migration, console);
+  const HeldSignals signals;  // what was done is told, too
+  SchemaCopies* const schemas = migration.schemas();
+  const cfgstore::SaveResult saved = schemas != nullptr
+                                         ? schemas->saveWith(migration.newStore(), request.target, permissions)
+                                         : saveTo(migration.newStore(), request.target, permissions);
+  if (schemas != nullptr) report.outcome.schemas = schemaFilesOf(*schemas, false);
+  tellRecovered(saved, console);
+  bool isWell = schemas == nullptr || schemas->isComplete();
+  if (saved.written) {
+    report.outcome.kind = Outcome::Kind::applied;
+    report.outcome.backup = saved.backupPath;
+    isWell &= afterwards([&] { noteForUndo(recordOf(migration, report, saved.backupPath)); }, console);
+    isWell &= checkResult(migration, console);
+    isWell &= report.ledger.count(ValueFate::lost) == 0;
+  } else {
+    report.outcome.kind = Outcome::Kind::nothingToDo;
+    isWell &= afterwards([&] { clearHalfUndoRecord(request.target); }, console);
+  }
+  isWell &= afterwards([&] { saveReports(reports, report); }, console);
+  tellLosses(report, console);
+  showReport(reports, report, console);
+  if (schemas != nullptr && !reports.onOutput) schemas->tell(false, console.out);
+  isWell &= missingOutputs(console).empty();
+  return isWell ? ExitStatus::done : ExitStatus::lost;
+}
+
+ExitStatus preview(Migration& migration, const ReportRequest& reports, Report& report, Console& console) {
+  std::optional<Failure> obstacle;
+  try {
+    if (!wouldSave(migration.newStore(), migration.request().target, permissionsOf(migration, console))) {
+      report.outcome.kind = Outcome::Kind::nothingToDo;
+    }
+  } catch (const Failure& failure) {
+    obstacle = failure;
+  }
+  saveReports(reports, report);
+  tellLosses(report, console);
+  showReport(reports, report, console);
+  if (migration.schemas() != nullptr && !reports.onOutput) migration.schemas()->tell(true, console.out);
+  if (obstacle) throw Failure(*obstacle);
+  return ExitStatus::done;
 }
 
 }  // namespace
 
 ExitStatus runApply(const Arguments& arguments, Console& console) {
-  const Request request = readRequest(arguments);
-  std::vector<std::string> problems;
-  const std::unique_ptr<ConfigFile> oldConfiguration = openConfiguration(request.oldPath, problems);
-  const std::unique_ptr<ConfigFile> newConfiguration = openConfiguration(request.newPath, problems);
-  if (!problems.empty()) throw Failure(ExitStatus::failed, problems);
-
+  const ReportRequest reports = reportRequestOf(arguments);
+  Migration migration(readRequest(arguments));
+  const MigrationRequest& request = migration.request();
+  const NamedFile files[] = {{request.oldPath, "the old configuration"},
+                             {request.newPath, "the new configuration"},
+                             {request.target, "the target"},
+                             {request.planPath, "the plan"},
+                             {request.traceFile, "the trace file"}};
+  settleReports(reports, files);
+  const bool applied = isApplied(migration, console);
+  if (!applied) refuseStalePlan(migration);
   startTracing(arguments);
-  const std::vector<std::string> oldEntries = readInventory(*oldConfiguration);
-  const SourceVersion source = sourceVersionOf(*oldConfiguration->getCfgUtils(), request.oldPath, request.version);
-  for (const std::string& warning : source.warnings) console.err << "cfgmig: " << warning << '\n';
-  const Account account = merge(source.version, *oldConfiguration, *newConfiguration, oldEntries);
+  std::vector<std::string> warnings;
+  migration.merge(warnings, !applied);
+  tellAll(warnings, console);
 
-  console.out << ldtr::printable(request.oldPath) << " (" << source.version << ") into "
-              << ldtr::printable(request.newPath) << '\n';
-  if (!source.from.empty()) {
-    console.out << "  version  " << source.version << ", recognised from " << source.from << '\n';
+  Report report = migration.report(reports.showSecrets);
+  if (applied) {
+    report.outcome.kind = Outcome::Kind::nothingToDo;
+    if (!arguments.has("--dry-run")) clearUp(request.target, console);
+    saveReports(reports, report);
+    tellLosses(report, console);
+    showReport(reports, report, console);
+    return ExitStatus::done;
   }
-  writeAccount(account, oldEntries, {request.verbose, request.preview}, console.out);
-
-  std::optional<SchemaCopies> schemas;
-  if (request.schemas) {
-    schemas.emplace(*newConfiguration, *request.schemas);
-    const NamedFile notToReplace[] = {{request.oldPath, "the old configuration"},
-                                      {request.newPath, "the new configuration"},
-                                      {request.target, "the output"}};
-    schemas->refuseToReplace(notToReplace);
-  }
-  cfgstore::ConfigStore& store = cfgstore::ConfigStore::of(*newConfiguration->getCfgUtils());
-  if (request.preview) {
-    if (schemas) schemas->tell(true, console.out);
-    return tellPreview(store, request.target, console);
-  }
-  const unsigned permissions =
-      permissionsOf(request, cfgstore::ConfigStore::of(*oldConfiguration->getCfgUtils()), store, console);
-  const cfgstore::SaveResult saved =
-      schemas ? schemas->saveWith(store, request.target, permissions) : saveTo(store, request.target, permissions);
-  if (schemas) schemas->tell(false, console.out);
-  return tellSaved(saved, request.target, shortcomingOf(account, schemas), console);
+  return arguments.has("--dry-run") ? preview(migration, reports, report, console)
+                                    : write(migration, reports, report, console);
 }
 
 }  // namespace tool

@@ -12,6 +12,7 @@
 #include "ConfigStore.h"
 #include "Configuration.h"
 #include "Failure.h"
+#include "HeldSignals.h"
 #include "PrintableText.h"
 #include "Saving.h"
 #include "Target.h"
@@ -80,10 +81,16 @@ ExitStatus runClean(const Arguments& arguments, Console& console) {
     throw Failure(ExitStatus::failed, failures);
   }
 
-  console.out << account.str();
   cfgstore::ConfigStore& store = cfgstore::ConfigStore::of(*configuration->getCfgUtils());
-  if (arguments.has("--dry-run")) return tellPreview(store, target, console);
-  return tellSaved(saveTo(store, target), target, "", console);
+  if (arguments.has("--dry-run")) {
+    console.out << account.view();
+    return tellPreview(store, target, console);
+  }
+  const HeldSignals signals;  // what was done is told, too
+  // Only what has happened is told on standard output.
+  const cfgstore::SaveResult saved = saveTo(store, target);
+  console.out << account.view();
+  return tellSaved(saved, target, "", console);
 }
 
 }  // namespace tool

@@ -38,7 +38,7 @@ Invocation helpOn(const std::string& command) {
 [[noreturn]] void refuseWord(const Command& command, const std::string& word) {
   if (word.size() < 2 || word.front() != '-') refuse(&command, "unexpected argument " + inQuotes(word));
   std::vector<std::string> known = {kHelpForm};
-  for (const Option& option : command.options) {
+  for (const Option& option : optionsOf(command)) {
     if (!option.isPositional()) known.emplace_back(option.name);
   }
   const std::string name = word.substr(0, word.find('='));
@@ -79,8 +79,9 @@ Arguments parseOptions(const Command& command, const std::vector<std::string>& w
   parser.set_help_flag();
   parser.allow_extras();
   const CLI::Option* helpFlag = parser.add_flag("-h,--help");
+  const std::vector<Option> options = optionsOf(command);
   std::deque<Found> found;
-  for (const Option& option : command.options) {
+  for (const Option& option : options) {
     Found& each = found.emplace_back(Found{option, {}});
     each.parsed = option.valueName == nullptr ? parser.add_flag(parserName(option), each.flag)->disable_flag_override()
                                               : parser.add_option(parserName(option), each.value);

@@ -54,7 +54,11 @@ struct Command {
   std::span<const Option> options;
   const char* description;  // what the user should know beyond the options; lines of at most 78 characters
   ExitStatus (*run)(const Arguments& arguments, Console& console);
+  bool readsConfigurations = true;  // and so has the options that all such commands share
 };
+
+// The options of a command: its own, then those that it shares with others.
+std::vector<Option> optionsOf(const Command& command);
 
 // In the order in which help shows them.
 std::span<const Command> commands();
@@ -64,12 +68,19 @@ const Command* findCommand(std::string_view name);
 
 // What the commands do; each is in a file of its own.
 ExitStatus runApply(const Arguments& arguments, Console& console);
+ExitStatus runCheck(const Arguments& arguments, Console& console);
 ExitStatus runClean(const Arguments& arguments, Console& console);
 ExitStatus runCompare(const Arguments& arguments, Console& console);
+ExitStatus runDump(const Arguments& arguments, Console& console);
 ExitStatus runHelp(const Arguments& arguments, Console& console);
 ExitStatus runList(const Arguments& arguments, Console& console);
+ExitStatus runPlan(const Arguments& arguments, Console& console);
+ExitStatus runRewrite(const Arguments& arguments, Console& console);
 ExitStatus runSchemas(const Arguments& arguments, Console& console);
+ExitStatus runUndo(const Arguments& arguments, Console& console);
+ExitStatus runVerify(const Arguments& arguments, Console& console);
 ExitStatus runVersion(const Arguments& arguments, Console& console);
+ExitStatus runWhy(const Arguments& arguments, Console& console);
 
 }  // namespace tool
 

@@ -9,18 +9,12 @@
 #include "Comparison.h"
 #include "Configuration.h"
 #include "Failure.h"
-#include "FilePlacement.h"
-#include "NewFile.h"
-#include "PrintableText.h"
-#include "SameFile.h"
+#include "OutputFile.h"
 #include "Target.h"
 #include "Tracing.h"
 
 namespace tool {
 namespace {
-
-// The result may hold what only the owner of the configuration may know, also where nothing seems to be a secret.
-constexpr mode_t kOwnerOnly = 0600;
 
 struct Inputs {
   NamedFile oldFile;
@@ -40,25 +34,8 @@ Inputs readInputs(const Arguments& arguments) {
     refuseSameFile(trace, input);
   }
   refuseSameFile(trace, inputs.output);
-  if (inputs.output.path.empty()) return inputs;
-  if (const std::string why = whyNoTarget(inputs.output.path); !why.empty()) {
-    throw Failure(ExitStatus::failed, ldtr::printable(inputs.output.path) + ": cannot be written: " + why);
-  }
+  refuseNoTarget(inputs.output.path);
   return inputs;
-}
-
-void writeFile(const std::string& path, const std::string& text, Console& console) {
-  cfgstore::FilePlacement file(cfgstore::FileSystem::real(), path, kOwnerOnly);
-  try {
-    file.place(text, std::time(nullptr));
-  } catch (const cfgstore::FileNotRestored& error) {
-    throw Failure(ExitStatus::notUndone, ldtr::printable(path) + ": " + ldtr::printable(error.what()));
-  } catch (const cfgstore::FileInUse& error) {
-    throw Failure(ExitStatus::blocked, ldtr::printable(path) + ": " + ldtr::printable(error.what()));
-  } catch (const cfgstore::FileError& error) {
-    throw Failure(ExitStatus::failed, ldtr::printable(path) + ": " + ldtr::printable(error.what()));
-  }
-  if (!file.backupPath().empty()) console.err << "cfgmig: kept: " << ldtr::printable(file.backupPath()) << '\n';
 }
 
 }  // namespace
@@ -78,7 +55,7 @@ ExitStatus runCompare(const Arguments& arguments, Console& console) {
   if (inputs.output.path.empty()) {
     console.out << text;
   } else {
-    writeFile(inputs.output.path, text, console);
+    writeOwnFile(inputs.output.path, text, console);
   }
   if (comparison.redacted() > 0) {
     const std::size_t count = comparison.redacted();

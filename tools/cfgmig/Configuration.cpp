@@ -6,31 +6,25 @@
 #include "ConfigStore.h"
 #include "Failure.h"
 #include "PrintableText.h"
+#include "SizeLimit.h"
 
 namespace tool {
 namespace {
 
-constexpr std::size_t kMostProblems = 20;  // of one file; who has more than that wants to see the first ones
-
 void describe(const cfgstore::OpenError& error, const std::string& path, std::vector<std::string>& problems) {
   const std::string file = ldtr::printable(path);
-  std::size_t told = 0;
   for (const cfgstore::Problem& problem : error.problems()) {
-    if (told == kMostProblems) {
-      problems.push_back(file + ": and " + std::to_string(error.problems().size() - told) + " more problems");
-      return;
-    }
     const std::string line = problem.line == 0 ? "" : ":" + std::to_string(problem.line);
-    problems.push_back(file + line + ": " + ldtr::printable(problem.text));
-    ++told;
+    // The text may name a DN, whose backslashes are its own.
+    problems.push_back(file + line + ": " + ldtr::printableDn(problem.text) + sizeHint(problem.kind));
   }
 }
 
-}  // namespace
-
-std::unique_ptr<ConfigFile> openConfiguration(const std::string& path, std::vector<std::string>& problems) {
+// Makes a Store of the file at `path`.
+template <class Store, class... Arguments>
+std::unique_ptr<Store> open(const std::string& path, std::vector<std::string>& problems, Arguments... arguments) {
   try {
-    return std::make_unique<ConfigFile>(path, nullptr);
+    return std::make_unique<Store>(path.c_str(), arguments...);
   } catch (const cfgstore::OpenError& error) {
     describe(error, path, problems);
   } catch (const std::bad_alloc&) {
@@ -39,6 +33,23 @@ std::unique_ptr<ConfigFile> openConfiguration(const std::string& path, std::vect
     problems.push_back(ldtr::printable(path) + ": " + ldtr::printable(error.what()));
   }
   return nullptr;
+}
+
+}  // namespace
+
+std::unique_ptr<ConfigFile> openConfiguration(const std::string& path, std::vector<std::string>& problems) {
+  return open<ConfigFile>(path, problems, nullptr);
+}
+
+std::unique_ptr<OVOConfigUtils::CfgUtils> openUtils(const std::string& path, std::vector<std::string>& problems) {
+  return open<OVOConfigUtils::CfgUtils>(path, problems, nullptr);
+}
+
+std::unique_ptr<cfgstore::ConfigStore> openStore(const std::string& path) {
+  std::vector<std::string> problems;
+  auto store = open<cfgstore::ConfigStore>(path, problems);
+  if (!store) throw Failure(ExitStatus::failed, problems);
+  return store;
 }
 
 std::vector<std::string> readInventory(ConfigFile& configuration) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <ostream>
 #include <string>
+#include <vector>
 
 #include "CommandLine.h"
 #include "Commands.h"
@@ -15,7 +16,7 @@ constexpr char kStatuses[] =
     "  0  done and nothing lost; also nothing to do, and a preview\n"
     "  1  failed, the target is unchanged\n"
     "  2  the command line is wrong\n"
-    "  3  differences exist (only with --exit-code)\n"
+    "  3  differences, changes or warnings exist (only with --exit-code)\n"
     "  4  the target has changed meanwhile or is in use; nothing was written\n"
     "  5  written, but something was lost or needs a person\n"
     "  6  failed, and the target could not be restored\n";
@@ -36,7 +37,7 @@ std::string optionWords(const Option& option) {
 std::string usage(const Command& command) {
   std::string line = std::string("cfgmig ") + command.name;
   bool others = false;
-  for (const Option& option : command.options) {
+  for (const Option& option : optionsOf(command)) {
     if (option.isPositional()) {
       line += option.required ? std::string(" ") + option.name : std::string(" [") + option.name + "]";
     } else if (option.required) {
@@ -53,11 +54,12 @@ void explain(const Command& command, std::ostream& out) {
   for (const char* example : command.examples) out << "  " << example << '\n';
   out << "\nUsage:\n  " << usage(command) << '\n';
   if (command.description[0] != 0) out << '\n' << command.description << '\n';
-  if (command.options.empty()) return;
+  const std::vector<Option> options = optionsOf(command);
+  if (options.empty()) return;
   std::size_t width = 0;
-  for (const Option& option : command.options) width = std::max(width, optionWords(option).size());
+  for (const Option& option : options) width = std::max(width, optionWords(option).size());
   out << "\nArguments:\n";
-  for (const Option& option : command.options) {
+  for (const Option& option : options) {
     out << "  " << padded(optionWords(option), width) << "  " << option.help << '\n';
   }
 }

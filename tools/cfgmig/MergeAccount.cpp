@@ -73,7 +73,12 @@ std::optional<int> codeIn(std::string_view message) {
 
 }  // namespace
 
-MergeAccount::MergeAccount(Inventory oldEntries, const Inventory& newEntries) : m_old(std::move(oldEntries)) {
+MergeAccount::MergeAccount(Inventory oldEntries, const Inventory& newEntries, const cfgstore::Snapshot* old)
+    : m_old(std::move(oldEntries)), m_events(old != nullptr ? *old : m_noSnapshot) {
+  if (old != nullptr) {
+    m_numbers.reserve(m_old.size());
+    for (const std::string& dn : m_old) m_numbers.push_back(old->findEntry(dn));
+  }
   std::unordered_map<std::string_view, std::size_t> copies;
   copies.reserve(newEntries.size());
   for (const std::string& dn : newEntries) ++copies[dn];
@@ -105,6 +110,8 @@ void MergeAccount::record(const ldtr::Record& record) {
 void MergeAccount::enter(unsigned long identifier) {
   m_methods.push_back(identifier);
   m_droppedValue.reset();  // a rule moves a value by itself
+  m_events.forgetTaken();
+  if (m_work.phase != Phase::none && m_work.told.rule == 0) m_work.told.rule = identifier;
   if (identifier == traced::kProcessNewEntry) begin(Phase::newEntry);
   if (identifier == traced::kProcessUpdatedEntry) begin(Phase::commonEntry);
 }
@@ -148,6 +155,9 @@ void MergeAccount::begin(Phase phase) {
   m_work.phase = phase;
   m_work.entry = entries[next++];
   m_work.lossesBefore = m_account.losses.size();
+  m_work.told.entry = numberOf(m_work.entry);
+  m_work.told.isNew = isNew;
+  m_work.told.firstEvent = m_events.events().size();
 }
 
 // Decides the entry's fate. A transfer that failed before it wrote anything has carried nothing.
@@ -177,9 +187,19 @@ void MergeAccount::end() {
 // An entry that stands more than once in the new configuration keeps the fate of its first merge.
 void MergeAccount::decide(Fate fate) {
   if (!m_fates[m_work.entry]) m_fates[m_work.entry] = fate;
+  EntryWork& told = m_work.told;
+  told.fate = fate;
+  told.transfer = m_work.transfer.value_or(0);
+  told.transferDone = m_work.transferDone;
+  const std::string& message = m_work.transferMessage.empty() ? m_work.message : m_work.transferMessage;
+  if (!m_work.transferDone) told.stopCode = codeIn(message).value_or(0);
+  told.endEvent = m_events.events().size();
+  m_works.push_back(told);
 }
 
 void MergeAccount::write(Side side, const Write& write) {
+  m_events.add(side, write, m_methods.empty() ? m_methodOutside : m_methods.back(),
+               m_work.phase == Phase::none ? kNone : m_work.told.entry);
   if (write.rc != 0) {
     if (!hasNothingToCarry(write) && !isEntryThatIsThere(write)) noteFailure(side, write);
   } else if (side == Side::newConfiguration) {

@@ -15,7 +15,7 @@
 //   - An entry that is created while no old entry is worked on was added by a rule.
 //
 // Everything that does not fit is an error of the tool or of the library, and no account is given.
-// Nothing here keeps or shows an attribute value beyond the next record.
+// The same two streams, sorted in the same way, are what the ledger is made of: see ledger/Accounting.h.
 
 #ifndef CFGMIG_TOOL_MERGEACCOUNT_H
 #define CFGMIG_TOOL_MERGEACCOUNT_H
@@ -29,21 +29,14 @@
 
 #include "ConfigStore.h"
 #include "TraceControl.h"
+#include "ledger/EventLog.h"
+#include "ledger/Ledger.h"
 
 namespace tool {
 
-enum class Side { oldConfiguration, newConfiguration };
-
-// What became of an entry of the old configuration.
-enum class Fate : std::uint8_t {
-  added,    // created in the new configuration
-  merged,   // carried into the entry of the same DN
-  moved,    // carried into an entry of another DN
-  rebuilt,  // made anew from some of its values
-  left,     // its rule carries nothing of it, which is no loss
-  skipped,  // nothing of it was carried, though it should have been
-};
-inline constexpr std::size_t kFates = 6;
+// What became of an entry of the old inventory: never outside.
+using Fate = EntryFate;
+inline constexpr std::size_t kFates = 7;
 
 // Something that should have happened and did not.
 struct Loss {
@@ -80,18 +73,39 @@ struct Account {
   std::size_t of(Fate fate) const { return count[static_cast<std::size_t>(fate)]; }
 };
 
+// What the driver did with one entry of the old inventory.
+struct EntryWork {
+  std::uint32_t entry = 0;  // the entry of the snapshot, or kNone when there is none of it
+  bool isNew = false;       // handed to the rule for entries that the new configuration lacks
+  Fate fate = Fate::skipped;
+  unsigned long rule = 0;      // the first method that the dispatcher entered; 0 when it entered none
+  unsigned long transfer = 0;  // the transfer method that ran; 0 when none did
+  bool transferDone = false;   // and its result
+  int stopCode = 0;            // of a transfer that ended early or a rule that gave up: the code that its message names
+  std::size_t firstEvent = 0;  // its writes are the events from this one on
+  std::size_t endEvent = 0;    // to the one before this
+};
+
 class MergeAccount {
  public:
   using Inventory = std::vector<std::string>;
 
-  // The inventories of both configurations before the merge.
-  MergeAccount(Inventory oldEntries, const Inventory& newEntries);
+  // The inventories of both configurations before the merge, and the old configuration as it was then, which must
+  // outlive the account. Without it, the events say nothing of old values.
+  MergeAccount(Inventory oldEntries, const Inventory& newEntries, const cfgstore::Snapshot* old = nullptr);
 
   void record(const ldtr::Record& record);
   void write(Side side, const cfgstore::Write& write);
 
+  // Writes that come between no records, after the merge, belong to this method.
+  void setMethodOutside(unsigned long identifier) { m_methodOutside = identifier; }
+
   // To be called once, after the merge. Throws std::logic_error when the records do not make a whole account.
   Account finish();
+
+  // What the account was made of. An entry that was worked on more than once is there as often.
+  EventLog& events() { return m_events; }
+  const std::vector<EntryWork>& works() const { return m_works; }
 
  private:
   enum class Phase { none, newEntry, commonEntry };
@@ -108,6 +122,7 @@ class MergeAccount {
     std::string message;                    // the last debug message of any method
     unsigned long messageMethod = 0;        // and that method; 0 when there was none or it has no identifier
     std::size_t lossesBefore = 0;
+    EntryWork told;
   };
 
   void enter(unsigned long identifier);
@@ -122,14 +137,22 @@ class MergeAccount {
   void noteIncompleteTransfer();
   void addLoss(Loss::Kind kind, const std::string& reason, const std::string& method);
 
+  std::uint32_t numberOf(std::size_t entry) const { return entry < m_numbers.size() ? m_numbers[entry] : kNone; }
+  static constexpr std::uint32_t kNone = cfgstore::Snapshot::kNone;
+
   Inventory m_old;
+  std::vector<std::uint32_t> m_numbers;      // in the snapshot, of the entries of m_old
   std::vector<std::size_t> m_newEntries;     // indices into m_old, in the order of the driver
   std::vector<std::size_t> m_commonEntries;  // likewise; an entry may stand there more than once
   std::size_t m_nextNew = 0;
   std::size_t m_nextCommon = 0;
   std::vector<std::optional<Fate>> m_fates;
   std::vector<unsigned long> m_methods;  // entered and not left
+  unsigned long m_methodOutside = 0;
   Work m_work;
+  cfgstore::Snapshot m_noSnapshot;
+  EventLog m_events;
+  std::vector<EntryWork> m_works;
   std::optional<std::string> m_droppedValue;  // what the last write took out of the old configuration
   std::string m_lastMessage;
   std::size_t m_repeated = 0;  // how often it has come in a row

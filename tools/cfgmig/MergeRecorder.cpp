@@ -16,10 +16,16 @@ MergeRecorder::MergeRecorder(MergeAccount& account, ConfigFile& oldConfiguration
 }
 
 MergeRecorder::~MergeRecorder() {
-  ldtr::setEvents(m_eventsBefore);
-  ldtr::sendAlsoTo({});
+  endRecords();
   m_new.observe({});
   m_old.observe({});
+}
+
+void MergeRecorder::endRecords() {
+  if (!m_hearsRecords) return;
+  m_hearsRecords = false;
+  ldtr::setEvents(m_eventsBefore);
+  ldtr::sendAlsoTo({});
 }
 
 void MergeRecorder::check() const {

@@ -22,6 +22,10 @@ class MergeRecorder {
   MergeRecorder(const MergeRecorder&) = delete;
   MergeRecorder& operator=(const MergeRecorder&) = delete;
 
+  // Trace records are heard no more and enabled as they were before; writes still are.
+  void endRecords();
+
+  // Rethrows the failure of the account, if there was one.
   void check() const;
 
  private:
@@ -33,6 +37,7 @@ class MergeRecorder {
   cfgstore::ConfigStore& m_old;
   cfgstore::ConfigStore& m_new;
   std::uint32_t m_eventsBefore;
+  bool m_hearsRecords = true;
   std::exception_ptr m_failure;
 };
 

@@ -6,7 +6,9 @@
 
 #include "CommandLine.h"
 #include "Failure.h"
+#include "Outputs.h"
 #include "PrintableText.h"
+#include "SizeLimit.h"
 
 namespace tool {
 namespace {
@@ -16,6 +18,7 @@ void tell(Console& console, const std::string& line) { console.err << "cfgmig: "
 ExitStatus runCommand(const std::vector<std::string>& words, Console& console) {
   try {
     const Invocation invocation = parseCommandLine(words);
+    limitSizes(invocation.arguments);
     return invocation.command->run(invocation.arguments, console);
   } catch (const Failure& failure) {
     for (const std::string& line : failure.lines()) tell(console, line);
@@ -32,10 +35,9 @@ ExitStatus runCommand(const std::vector<std::string>& words, Console& console) {
 
 ExitStatus runTool(const std::vector<std::string>& words, Console& console) {
   const ExitStatus status = runCommand(words, console);
-  console.out.flush();
-  if (console.out.good()) return status;
-  tell(console, "standard output cannot be written; the account above is not complete");
-  return status == ExitStatus::done ? ExitStatus::failed : status;
+  const std::vector<std::string> missing = missingOutputs(console);
+  for (const std::string& line : missing) tell(console, line);
+  return status == ExitStatus::done && !missing.empty() ? ExitStatus::failed : status;
 }
 
 }  // namespace tool

@@ -1,31 +1,20 @@
 #include "Saving.h"
 
-#include <fstream>
-#include <iterator>
 #include <ostream>
 
 #include "Failure.h"
+#include "HeldSignals.h"
+#include "Outputs.h"
 #include "PrintableText.h"
 
 namespace tool {
 namespace {
 
-bool holds(const std::string& path, const std::string& content) {
-  std::ifstream in(path, std::ios::binary);
-  if (!in) return false;
-  const std::string found{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-  return !in.bad() && found == content;
-}
-
-void tellNothingToDo(const std::string& target, Console& console) {
-  console.out << "Nothing to do: " << ldtr::printable(target) << " holds the result already.\n";
-}
-
-}  // namespace
-
-cfgstore::SaveResult saveTo(cfgstore::ConfigStore& store, const std::string& target, unsigned permissions) {
+// Does what may be refused, and makes a failure of the command of it.
+template <class Work>
+auto asFailure(const Work& work) {
   try {
-    return store.save(target, cfgstore::Backup::keep, permissions);
+    return work();
   } catch (const cfgstore::SaveRefused& error) {
     throw Failure(ExitStatus::blocked, ldtr::printable(error.what()));
   } catch (const cfgstore::RestoreError& error) {
@@ -35,21 +24,44 @@ cfgstore::SaveResult saveTo(cfgstore::ConfigStore& store, const std::string& tar
   }
 }
 
+// A file of its own may be read by nobody who may not read the configuration, which has passwords in it.
+unsigned permissionsAt(const cfgstore::ConfigStore& store, const std::string& target, unsigned permissions) {
+  return target == store.path() ? permissions : permissions & (store.permissions() | 0600U);
+}
+
+void tellNothingToDo(const std::string& target, Console& console) {
+  console.out << "Nothing to do: " << ldtr::printable(target) << " holds the result already.\n";
+}
+
+}  // namespace
+
+cfgstore::SaveResult saveTo(cfgstore::ConfigStore& store, const std::string& target, unsigned permissions) {
+  const HeldSignals signals;
+  return asFailure(
+      [&] { return store.save(target, cfgstore::Backup::keep, permissionsAt(store, target, permissions)); });
+}
+
+bool wouldSave(const cfgstore::ConfigStore& store, const std::string& target, unsigned permissions) {
+  return asFailure([&] { return store.checkSave(target, permissionsAt(store, target, permissions)); });
+}
+
 ExitStatus tellSaved(const cfgstore::SaveResult& saved, const std::string& target, const std::string& shortcoming,
                      Console& console) {
   const ExitStatus status = shortcoming.empty() ? ExitStatus::done : ExitStatus::lost;
+  if (!saved.recoveredPath.empty()) {
+    console.out << "  kept     " << ldtr::printable(saved.recoveredPath) << ", which an interrupted run had replaced\n";
+  }
   if (!saved.written) {
     tellNothingToDo(target, console);
     return status;
   }
   if (!saved.backupPath.empty()) console.out << "  backup   " << ldtr::printable(saved.backupPath) << '\n';
   console.out << "Written: " << ldtr::printable(target) << (shortcoming.empty() ? "" : ", ") << shortcoming << ".\n";
-  console.out.flush();
-  return console.out.good() ? status : ExitStatus::lost;
+  return missingOutputs(console).empty() ? status : ExitStatus::lost;
 }
 
 ExitStatus tellPreview(const cfgstore::ConfigStore& store, const std::string& target, Console& console) {
-  if (holds(target, store.text())) {
+  if (!wouldSave(store, target)) {
     tellNothingToDo(target, console);
   } else {
     console.out << "Preview: nothing was written; the result would go to " << ldtr::printable(target) << ".\n";

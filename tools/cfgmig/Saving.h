@@ -12,18 +12,24 @@ namespace tool {
 
 inline constexpr unsigned kAnyPermissions = 07777;
 
-// Writes the store's content to `target`, keeping a file that it replaces. Nothing is told. The result has no more
-// permission bits than `permissions`.
+// Writes the store's content to `target`, keeping a file that it replaces. Nothing is told. A wish of the user to stop
+// waits until it is done. The result has no more
+// permission bits than `permissions` and, unless it goes to the file that was read, than that file has.
 // Throws Failure: blocked, failed or notUndone.
 cfgstore::SaveResult saveTo(cfgstore::ConfigStore& store, const std::string& target,
                             unsigned permissions = kAnyPermissions);
 
+// Whether saveTo would write anything. Throws what it would throw, but for what only writing shows. Writes nothing.
+bool wouldSave(const cfgstore::ConfigStore& store, const std::string& target, unsigned permissions = kAnyPermissions);
+
 // Tells what a save did. `shortcoming` is empty, or says in a few words what is not as it should be: "with losses".
-// Returns the status of the command: done, or lost when there is a shortcoming or the account cannot be written.
+// Returns the status of the command: done, or lost when there is a shortcoming or the account or the trace cannot be
+// written.
 ExitStatus tellSaved(const cfgstore::SaveResult& saved, const std::string& target, const std::string& shortcoming,
                      Console& console);
 
-// Tells what a save would do; returns done.
+// Tells what a save would do; returns done. Throws what saveTo would throw: the account of a preview is shown all the
+// same, and then why it cannot be written as things are.
 ExitStatus tellPreview(const cfgstore::ConfigStore& store, const std::string& target, Console& console);
 
 }  // namespace tool

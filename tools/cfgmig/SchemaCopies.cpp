@@ -13,9 +13,11 @@
 
 #include "EntryReading.h"
 #include "Failure.h"
+#include "HeldSignals.h"
 #include "MessageListener.h"
 #include "PrintableText.h"
 #include "SameFile.h"
+#include "Snapshot.h"
 #include "TracedMethod.h"
 
 namespace tool {
@@ -43,6 +45,18 @@ std::string shown(const std::string& name) {
 }
 
 std::string nameIn(const std::string& path) { return path.substr(path.rfind('/') + 1); }
+
+// The values of the include lists of all entries.
+std::vector<std::string> allIncludes(ConfigFile& configuration) {
+  const cfgstore::Snapshot content(cfgstore::ConfigStore::of(*configuration.getCfgUtils()));
+  std::vector<std::string> includes;
+  for (std::uint32_t entry = 0; entry < content.entries().size(); ++entry) {
+    const std::uint32_t list = content.findAttribute(entry, kIncludeSchema);
+    if (list == cfgstore::Snapshot::kNone) continue;
+    for (const auto& value : content.valuesOf(content.attributes()[list])) includes.emplace_back(value.value);
+  }
+  return includes;
+}
 
 // Without what does not matter at its end, so that the names below it look as a person writes them.
 std::string trimmed(std::string directory) {
@@ -80,11 +94,33 @@ std::optional<SchemaDirectories> SchemaDirectories::of(const Arguments& argument
   if (!hasSearch && !hasTarget) return std::nullopt;
   if (!hasTarget) throw Failure(ExitStatus::usage, std::vector<std::string>{"--search-dir needs --target-dir", kHint});
   if (!hasSearch) throw Failure(ExitStatus::usage, std::vector<std::string>{"--target-dir needs --search-dir", kHint});
-  const SchemaDirectories given{trimmed(arguments.value("--search-dir")), trimmed(arguments.value("--target-dir"))};
+  return of(arguments.value("--search-dir"), arguments.value("--target-dir"));
+}
+
+SchemaDirectories SchemaDirectories::of(const std::string& search, const std::string& target) {
+  const SchemaDirectories given{trimmed(search), trimmed(target)};
   refuseNoDirectory(given.search, "--search-dir", true);
   refuseNoDirectory(given.search + "/etc", "--search-dir", true);
   refuseNoDirectory(given.target, "--target-dir", false);
-  return SchemaDirectories{given.search, trimmed(std::filesystem::absolute(given.target).string())};
+  return {given.search, trimmed(std::filesystem::absolute(given.target).string())};
+}
+
+void refuseTraceInSchemaFiles(const std::string& traceFile, const SchemaDirectories& directories,
+                              std::initializer_list<ConfigFile*> configurations) {
+  if (traceFile.empty()) return;
+  const auto refuse = [&](const std::string& directory, const std::string& name, const char* role) {
+    if (!name.empty()) refuseSameFile({traceFile, "the trace file"}, {directory + "/" + name, role});
+  };
+  for (ConfigFile* configuration : configurations) {
+    for (const std::string& include : allIncludes(*configuration)) {
+      // Whether a backslash separates names depends on the value; both readings are looked at.
+      for (const char* separators : {"/", "/\\"}) {
+        const std::string name = include.substr(include.find_last_of(separators) + 1);
+        refuse(directories.search + "/etc", name, "a schema file");
+        refuse(directories.target, name, "the copy of a schema file");
+      }
+    }
+  }
 }
 
 SchemaCopies::SchemaCopies(ConfigFile& configuration, SchemaDirectories directories)
@@ -139,6 +175,8 @@ void SchemaCopies::takeBack(const std::vector<std::string>& because) {
 
 cfgstore::SaveResult SchemaCopies::saveWith(cfgstore::ConfigStore& store, const std::string& target,
                                             unsigned permissions) {
+  const HeldSignals signals;
+  wouldSave(store, target, permissions);
   commit();
   cfgstore::SaveResult saved;
   try {

@@ -10,6 +10,7 @@
 #include "ConfigStore.h"
 #include "Configuration.h"
 #include "Failure.h"
+#include "HeldSignals.h"
 #include "PrintableText.h"
 #include "Saving.h"
 #include "SchemaCopies.h"
@@ -26,6 +27,7 @@ ExitStatus runSchemas(const Arguments& arguments, Console& console) {
   std::vector<std::string> problems;
   const std::unique_ptr<ConfigFile> configuration = openConfiguration(path, problems);
   if (!configuration) throw Failure(ExitStatus::failed, problems);
+  refuseTraceInSchemaFiles(traceFile(arguments), directories.value(), {configuration.get()});
   startTracing(arguments);
   readInventory(*configuration);
 
@@ -33,12 +35,15 @@ ExitStatus runSchemas(const Arguments& arguments, Console& console) {
   const NamedFile notToReplace[] = {file, {target, "the output"}};
   copies.refuseToReplace(notToReplace);
   cfgstore::ConfigStore& store = cfgstore::ConfigStore::of(*configuration->getCfgUtils());
-  console.out << ldtr::printable(path) << '\n';
   if (arguments.has("--dry-run")) {
+    console.out << ldtr::printable(path) << '\n';
     copies.tell(true, console.out);
     return tellPreview(store, target, console);
   }
+  const HeldSignals signals;  // what was done is told, too
+  // Only what has happened is told on standard output.
   const cfgstore::SaveResult saved = copies.saveWith(store, target);
+  console.out << ldtr::printable(path) << '\n';
   copies.tell(false, console.out);
   return tellSaved(saved, target, copies.isComplete() ? "" : kSchemaFilesMissing, console);
 }

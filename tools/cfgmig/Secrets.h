@@ -8,7 +8,7 @@
 namespace tool {
 
 // True when the attribute holds passwords or keys, or the value seems to hold one: a password in the arguments of a
-// plug-in, in an environment setting, in a URL. Rather too often than too seldom.
+// plug-in, in an environment setting, in a URL, one that is hashed or sealed. Rather too often than too seldom.
 bool isSecret(std::string_view attribute, std::string_view value);
 
 }  // namespace tool

@@ -51,6 +51,7 @@ std::vector<std::string> versionsNamedBy(const std::string& value) {
 void gather(OVOConfigUtils::CfgUtils& store, const Row& row, std::vector<Evidence>& evidence) {
   if (row.says == Says::itsVersion) {
     for (const std::string& value : valuesOf(store, row.entry, row.attribute)) {
+      if (value.find_first_not_of(' ') == std::string::npos) continue;  // says nothing
       evidence.push_back({std::string(row.attribute) + " of " + row.entry, versionsNamedBy(value)});
     }
     return;

@@ -1,5 +1,7 @@
 #include "SourceVersion.h"
 
+#include <algorithm>
+
 #include "Failure.h"
 #include "PrintableText.h"
 #include "SourceEvidence.h"
@@ -17,12 +19,22 @@ SourceVersion given(const std::vector<Evidence>& evidence, const std::string& ve
   return result;
 }
 
-[[noreturn]] void refuse(const std::vector<Evidence>& evidence, bool isContradictory, const std::string& path) {
-  std::vector<std::string> lines = {
-      ldtr::printable(path) + ": the version of the server cannot be recognised: " +
-      (isContradictory ? "the evidence is contradictory" : "there is too little evidence")};
+// Why `fitting`, the versions that all the evidence speaks for, are not one.
+const char* reason(const std::vector<Evidence>& evidence, const std::vector<std::string>& fitting) {
+  if (!fitting.empty()) return "there is too little evidence";
+  const auto isOfAnother = [](const Evidence& piece) { return piece.versions.empty(); };
+  return std::any_of(evidence.begin(), evidence.end(), isOfAnother) ? "it seems to be none that can be migrated"
+                                                                    : "the evidence is contradictory";
+}
+
+[[noreturn]] void refuse(const std::vector<Evidence>& evidence, const std::vector<std::string>& fitting,
+                         const std::string& path) {
+  std::vector<std::string> lines = {ldtr::printable(path) +
+                                    ": the version of the server cannot be recognised: " + reason(evidence, fitting)};
   for (const Evidence& piece : evidence) lines.push_back("  " + piece.text());
-  if (evidence.empty()) lines.emplace_back("  there is no zor-slapdVersion in CN=CONFIGURATION and no schema entry");
+  if (evidence.empty()) {
+    lines.emplace_back("  there is no zor-slapdVersion with a value in CN=CONFIGURATION and no schema entry");
+  }
   lines.push_back("give the version with --from: " + listOfSourceVersions());
   throw Failure(ExitStatus::usage, lines);
 }
@@ -34,7 +46,7 @@ SourceVersion sourceVersionOf(OVOConfigUtils::CfgUtils& store, const std::string
   if (!version.empty()) return given(evidence, version);
 
   const std::vector<std::string> fitting = versionsThatFit(evidence);
-  if (fitting.size() != 1) refuse(evidence, fitting.empty(), path);
+  if (fitting.size() != 1) refuse(evidence, fitting, path);
   std::string from = evidence.front().what;
   const std::size_t others = evidence.size() - 1;
   if (others > 0) from += "; " + std::to_string(others) + (others == 1 ? " entry agrees" : " entries agree");

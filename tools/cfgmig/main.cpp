@@ -1,3 +1,5 @@
+#include <sys/prctl.h>
+
 #include <csignal>
 #include <iostream>
 #include <string>
@@ -6,6 +8,8 @@
 #include "RunTool.h"
 
 int main(int argc, char** argv) {
+  // A crash leaves no image of the memory, which holds the passwords of the configurations.
+  ::prctl(PR_SET_DUMPABLE, 0);
   // A reader of the output that goes away is told as a failure to write, not by an untimely end.
   std::signal(SIGPIPE, SIG_IGN);
   // Nor by a limit on the size of files: the write fails, and what was begun is taken back.

@@ -165,6 +165,7 @@ TEST_F(ApplyRefuses, ToWriteAFileThatAnotherProgramHasLocked) {
   const auto result = apply();
   ::close(file);
   EXPECT_EQ(result.status, 4);
+  EXPECT_EQ(result.out, "") << "the account is of what has happened";
   EXPECT_THAT(result.err, HasSubstr(workspace.path("new.ldif")));
   EXPECT_EQ(workspace.state(), before);
 }

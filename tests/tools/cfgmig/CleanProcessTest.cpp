@@ -211,6 +211,7 @@ TEST_F(Clean, WritesNothingOfAFileThatAnotherProgramHasLocked) {
   const auto result = run({"--database"});
   ::close(file);
   EXPECT_EQ(result.status, 4);
+  EXPECT_EQ(result.out, "") << "nothing has happened";
   EXPECT_EQ(m_files.state(), before);
 }
 

@@ -17,8 +17,9 @@ TEST(CommandLine, HelpBeginsWithExamplesAndNamesAllCommands) {
        {std::vector<std::string>{"help"}, std::vector<std::string>{"--help"}, std::vector<std::string>{"-h"}}) {
     const auto result = runTool(words);
     EXPECT_EQ(result.status, 0);
-    EXPECT_THAT(result.out, StartsWith("Examples:\n  cfgmig apply "));
-    for (const char* part : {"  apply ", "  list ", "  help ", "  version ", "Exit status:"}) {
+    EXPECT_THAT(result.out, StartsWith("Examples:\n  cfgmig "));
+    for (const char* part :
+         {"  apply ", "  list ", "  check ", "  dump ", "  rewrite ", "  help ", "  version ", "Exit status:"}) {
       EXPECT_THAT(result.out, HasSubstr(part));
     }
     EXPECT_EQ(result.err, "");
@@ -29,7 +30,7 @@ TEST(CommandLine, HelpOnACommandIsTheSameInAllItsForms) {
   const auto help = runTool({"help", "apply"});
   EXPECT_EQ(help.status, 0);
   EXPECT_THAT(help.out, StartsWith("Examples:\n"));
-  EXPECT_THAT(help.out, HasSubstr("cfgmig apply --old FILE --new FILE [OPTION...]"));
+  EXPECT_THAT(help.out, HasSubstr("cfgmig apply [PLAN] [OPTION...]"));
   EXPECT_THAT(help.out, HasSubstr("-n, --dry-run"));
   EXPECT_EQ(runTool({"apply", "--help"}).out, help.out);
   EXPECT_EQ(runTool({"apply", "-h"}).out, help.out);
@@ -85,11 +86,17 @@ INSTANTIATE_TEST_SUITE_P(
         Wrong{{"apply", "--old"}, "option --old needs a value: FILE"},
         Wrong{{"apply", "--old", "a", "--old", "b"}, "option --old is given more than once"},
         Wrong{{"apply", "--old", "", "--new", "n", "--from", "6.0"}, "--old must not be empty"},
+        Wrong{{"dump"}, "missing argument: FILE"}, Wrong{{"check"}, "missing argument: FILE"},
+        Wrong{{"rewrite", "f"}, "missing argument: OUT"},
+        Wrong{{"list", "f", "--max-size"}, "option --max-size needs a value: SIZE"},
+        Wrong{{"list", "f", "--max-siez", "1"}, "unknown option '--max-siez' (did you mean --max-size?)"},
+        Wrong{{"help", "--max-size", "1"}, "unknown option '--max-size'"},
         Wrong{{"apply", "--dry-run=no"}, "option --dry-run takes no value"},
         Wrong{{"apply", "--olt", "x"}, "unknown option '--olt' (did you mean --old?)"},
         Wrong{{"apply", "--outptu=x"}, "unknown option '--outptu' (did you mean --output?)"},
         Wrong{{"apply", "-x"}, "unknown option '-x'"},
-        Wrong{{"apply", "extra", "--old", "o", "--new", "n", "--from", "6.0"}, "unexpected argument 'extra'"}));
+        Wrong{{"apply", "extra", "--old", "o", "--new", "n", "--from", "6.0"},
+              "--old cannot be given with a plan, which has it"}));
 
 TEST(CommandLine, ADoubleDashEndsTheOptions) {
   const auto result = runTool({"list", "--", "--missing"});

@@ -6,7 +6,7 @@
 #include <string>
 
 // "5.1/old.ldif" is a file of the example of that version.
-inline std::string examplePath(const std::string& name) { return std::string(CFGMIG_EXAMPLES) + "/" + name; }
+inline std::string examplePath(const std::string& name) { return CFGMIG_EXAMPLES "/" + name; }
 
 // The old configurations of the examples, and their versions.
 struct ExampleSource {

@@ -21,6 +21,7 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
 using testing::SizeIs;
+using testing::StartsWith;
 
 constexpr char kHead[] =
     "dn: cn=Configuration\ncn: Configuration\nzor-slapdVersion: 6.0\n"
@@ -219,6 +220,25 @@ TEST_F(Schemas, RefusesACopyOverTheOutput) {
   EXPECT_THAT(result.err, HasSubstr("its copy would replace the output"));
 }
 
+// The trace would be appended to it before it is looked at.
+TEST_F(Schemas, RefusesASchemaFileAndAPlaceOfACopyAsTraceFile) {
+  fs::create_symlink(m_old.path("etc/my.at"), m_files.path("link"));
+  fs::create_hard_link(m_old.path("etc/my.oc"), m_files.path("hard"));
+  const auto etc = m_old.read("etc/my.at");
+  for (const std::string& trace : {m_old.path("etc/my.at"), m_files.path("link"), m_files.path("hard")}) {
+    const auto result = runInVain({"--trace", trace});
+    EXPECT_EQ(result.status, 2) << trace;
+    EXPECT_THAT(result.err, HasSubstr("the trace file and a schema file are one file"));
+  }
+  EXPECT_EQ(m_old.read("etc/my.at"), etc);
+  for (const char* name : {"my.at", "my.oc"}) {
+    const auto result = runInVain({"-n", "--trace", m_new.path(name)});
+    EXPECT_EQ(result.status, 2) << name;
+    EXPECT_THAT(result.err, HasSubstr("the trace file and the copy of a schema file are one file"));
+  }
+  EXPECT_EQ(run({"-n", "--trace", m_new.path("trace")}).status, 0) << "any other name will do";
+}
+
 TEST_F(Schemas, TakesTheCopiesBackWhenTheConfigurationCannotBeSaved) {
   m_new.write("my.at", "another\n", 0604);
   const int file = ::open(m_files.path("conf").c_str(), O_RDONLY | O_CLOEXEC);
@@ -228,7 +248,7 @@ TEST_F(Schemas, TakesTheCopiesBackWhenTheConfigurationCannotBeSaved) {
   const auto result = run();
   ::close(file);
   EXPECT_EQ(result.status, 4);
-  EXPECT_EQ(result.out, m_files.path("conf") + "\n");
+  EXPECT_EQ(result.out, "");
   EXPECT_EQ(m_new.names(), names);
   EXPECT_EQ(m_new.read("my.at"), "another\n");
   EXPECT_EQ(m_new.mode("my.at"), 0604U);
@@ -319,7 +339,7 @@ TEST_F(ApplyWithSchemas, ExitsWithFiveWhenAFileIsMissing) {
   const auto result = apply();
   EXPECT_EQ(result.status, 5) << result.err;
   EXPECT_THAT(result.out, HasSubstr("    not found  my.at\n"));
-  EXPECT_THAT(result.out, EndsWith(", with schema files missing.\n"));
+  EXPECT_THAT(result.out, StartsWith("Applied a 6.0 configuration.\n"));
 }
 
 TEST_F(ApplyWithSchemas, TakesTheCopiesBackWhenTheResultCannotBeSaved) {
@@ -329,6 +349,18 @@ TEST_F(ApplyWithSchemas, TakesTheCopiesBackWhenTheResultCannotBeSaved) {
   const auto result = apply();
   ::close(file);
   EXPECT_EQ(result.status, 4);
+  EXPECT_THAT(m_new.names(), IsEmpty());
+  EXPECT_EQ(m_files.state(), files);
+}
+
+TEST_F(ApplyWithSchemas, RefusesASchemaFileOfEitherConfigurationAsTraceFile) {
+  m_files.write("new", std::string(kHead) + "zor-slapdIncludeSchema: V3.config.at\nzor-slapdIncludeSchema: /y/my.oc\n");
+  const auto files = m_files.state();
+  for (const char* name : {"my.at", "my.oc"}) {
+    EXPECT_EQ(apply({"--trace", m_old.path("etc/") + name}).status, 2) << name;
+    EXPECT_EQ(apply({"--trace", m_new.path(name)}).status, 2) << name;
+  }
+  EXPECT_EQ(m_old.read("etc/my.at"), "attributes\n");
   EXPECT_THAT(m_new.names(), IsEmpty());
   EXPECT_EQ(m_files.state(), files);
 }

@@ -33,6 +33,18 @@ TEST(Secrets, AreValuesThatSetOne) {
   }
 }
 
+TEST(Secrets, AreValuesThatAreHashedOrSealed) {
+  for (const char* value : {"{SSHA}x", "{ssha512}x", "{SHA}x", "{SMD5}x", "{MD5}x", "{CRYPT}$1$x", "{PBKDF2-SHA512}1$x",
+                            "{ARGON2}$argon2id$x", "{x-own.scheme_1/2}x", " {IMASK}x", "hash {SSHA}x", "a={b} {Crypt}x",
+                            "$6$salt$x", "$2b$12$x", "$argon2id$v=19$x"}) {
+    EXPECT_TRUE(isSecret("description", value)) << value;
+  }
+  for (const char* value :
+       {"{SSHA}", "{}x", "{", "{x", "{a b}x", "see {1}x", "{\"a\": 1}", "x {GUID}y", "$HOME/x", "$6"}) {
+    EXPECT_FALSE(isSecret("description", value)) << value;
+  }
+}
+
 TEST(Secrets, AreNotOrdinaryValues) {
   for (const char* value : {"", "=", ":", "LANG=C.UTF-8", "ldap://central.acme.example:389",
                             "preoperation  libzorldapcl.so CLInit cn=changelog", "mail=a@b", "/opt/acme/pki/ldap4.p12",

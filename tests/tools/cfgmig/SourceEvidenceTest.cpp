@@ -110,7 +110,23 @@ TEST_F(Recognition, StopsWithoutEnoughEvidenceAndNamesWhatThereIs) {
               ElementsAre("old.ldif: the version of the server cannot be recognised: there is too little evidence",
                           "  the entry CN=ZOR DIRECTORY,CN=SCHEMAS,CN=CONFIGURATION speaks for 5.2 or 6.0",
                           "give the version with --from: 4.1, 5.1, 5.2, 6.0"));
-  EXPECT_THAT(refusalOf(main(""))[1], HasSubstr("there is no zor-slapdVersion in CN=CONFIGURATION"));
+  EXPECT_THAT(refusalOf(main(""))[1], HasSubstr("there is no zor-slapdVersion with a value in CN=CONFIGURATION"));
+}
+
+TEST_F(Recognition, TakesAnEmptyVersionForNone) {
+  const std::string empty = "dn: cn=Configuration\ncn: Configuration\nzor-slapdVersion:\nzor-slapdVersion:: ICA=\n";
+  EXPECT_THAT(evidenceIn(empty), IsEmpty());
+  EXPECT_THAT(refusalOf(empty + kCurrent)[0], HasSubstr("there is too little evidence"));
+  EXPECT_THAT(versionOf(empty, "6.0").warnings, IsEmpty());
+}
+
+TEST_F(Recognition, SaysOfAnotherVersionThatItIsNoneOfThoseItKnows) {
+  EXPECT_THAT(refusalOf(main("7.0") + kCurrent),
+              ElementsAre("old.ldif: the version of the server cannot be recognised: it seems to be none that can be "
+                          "migrated",
+                          "  zor-slapdVersion of CN=CONFIGURATION speaks for a server of another version",
+                          "  the entry CN=ZOR DIRECTORY,CN=SCHEMAS,CN=CONFIGURATION speaks for 5.2 or 6.0",
+                          "give the version with --from: 4.1, 5.1, 5.2, 6.0"));
 }
 
 TEST_F(Recognition, StopsAtAContradictionAndNamesBothSides) {

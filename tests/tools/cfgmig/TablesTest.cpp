@@ -41,7 +41,7 @@ TEST(Tables, HelpOnACommandBeginsWithExamplesAndNamesEveryOption) {
   for (const Command& command : commands()) {
     const std::string text = helpOn(command.name);
     EXPECT_THAT(text, StartsWith(std::string("Examples:\n  cfgmig ") + command.name));
-    for (const Option& option : command.options) {
+    for (const Option& option : optionsOf(command)) {
       EXPECT_THAT(text, HasSubstr(option.name)) << command.name;
       EXPECT_THAT(text, HasSubstr(option.help)) << command.name;
     }

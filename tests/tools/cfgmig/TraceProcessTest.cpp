@@ -55,6 +55,31 @@ TEST_F(Trace, HoldsOnlyWhatTheMaskAsksFor) {
   EXPECT_THAT(debug, Not(HasSubstr("entry ")));
 }
 
+constexpr char kNotWritten[] =
+    "cfgmig: the trace cannot be written; some or all of it is missing: No space left on device\n";
+
+TEST_F(Trace, ThatCannotBeWrittenIsAFailureOfARunThatWritesNothing) {
+  const auto plain = apply({"-n"});
+  const auto result = apply({"-n", "--trace", "/dev/full"});
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.out, plain.out);
+  EXPECT_EQ(result.err, kNotWritten);
+  const auto list = runTool(ToolSetup{{"list", workspace.path("old.ldif")}, {"LDTR_FILE=/dev/full"}});
+  EXPECT_EQ(list.status, 1);
+  EXPECT_EQ(list.err, kNotWritten);
+}
+
+TEST_F(Trace, ThatCannotBeWrittenIsAShortcomingOfARunThatWrites) {
+  const auto result = apply({"--trace", "/dev/full"});
+  EXPECT_EQ(result.status, 5);
+  EXPECT_EQ(result.err, kNotWritten);
+  EXPECT_EQ(workspace.read("new.ldif"), sample::kMerged);
+}
+
+TEST_F(Trace, OfWhichNothingWasAskedForNeedNotBeWritten) {
+  EXPECT_EQ(apply({"-n", "--trace", "/dev/full", "--trace-events", "0"}).status, 0);
+}
+
 TEST_F(Trace, IsSetUpByTheEnvironmentAsWell) {
   const auto result = runTool(ToolSetup{words({"-n"}), {"LDTR_EVENTS=0x2000", "LDTR_FILE=-"}});
   EXPECT_EQ(result.status, 0);

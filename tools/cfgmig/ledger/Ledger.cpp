@@ -1,0 +1,39 @@
+#include "Ledger.h"
+
+namespace tool {
+
+const char* nameOf(ValueFate fate) {
+  switch (fate) {
+    case ValueFate::same:
+      return "same";
+    case ValueFate::carried:
+      return "carried";
+    case ValueFate::moved:
+      return "moved";
+    case ValueFate::dropped:
+      return "dropped";
+    case ValueFate::keptNew:
+      return "kept-new";
+    case ValueFate::cleaned:
+      return "cleaned";
+    case ValueFate::lost:
+      return "lost";
+  }
+  return "";
+}
+
+const char* nameOf(ValueOrigin origin) {
+  switch (origin) {
+    case ValueOrigin::fromNew:
+      return "new";
+    case ValueOrigin::carried:
+      return "carried";
+    case ValueOrigin::moved:
+      return "moved";
+    case ValueOrigin::addedByRule:
+      return "added-by-rule";
+  }
+  return "";
+}
+
+}  // namespace tool

@@ -1,0 +1,81 @@
+#include "LedgerBuilder.h"
+
+#include <optional>
+#include <utility>
+#include <vector>
+
+#include "Accounting.h"
+#include "ConfigStore.h"
+#include "Failure.h"
+#include "MergeRecorder.h"
+
+namespace tool {
+namespace {
+
+cfgstore::ConfigStore& storeOf(ConfigFile& configuration) {
+  return cfgstore::ConfigStore::of(*configuration.getCfgUtils());
+}
+
+std::vector<std::string> inventoryOf(ConfigFile& configuration) {
+  char** const dns = configuration.getCfgDns();
+  std::vector<std::string> inventory;
+  for (int i = 0; dns != nullptr && i < configuration.getDnNum(); ++i) inventory.emplace_back(dns[i]);
+  return inventory;
+}
+
+}  // namespace
+
+struct LedgerBuilder::State {
+  State(ConfigFile& oldConfiguration, ConfigFile& newConfiguration, std::string sourceVersion)
+      : old(oldConfiguration), now(newConfiguration) {
+    ledger.sourceVersion = std::move(sourceVersion);
+    ledger.old = cfgstore::Snapshot(storeOf(old));
+    ledger.before = cfgstore::Snapshot(storeOf(now));
+    account.emplace(inventoryOf(old), inventoryOf(now), &ledger.old);
+  }
+
+  ConfigFile& old;
+  ConfigFile& now;
+  Ledger ledger;
+  std::optional<MergeAccount> account;
+  std::optional<MergeRecorder> recorder;
+  Account finished;
+};
+
+LedgerBuilder::LedgerBuilder(ConfigFile& old, ConfigFile& now, std::string version)
+    : m_state(std::make_unique<State>(old, now, std::move(version))) {}
+
+LedgerBuilder::~LedgerBuilder() = default;
+
+void LedgerBuilder::merge() {
+  State& state = *m_state;
+  state.recorder.emplace(*state.account, state.old, state.now);
+  const int result = state.now.mergeConfigFiles(&state.old, state.ledger.sourceVersion.c_str());
+  state.recorder->endRecords();
+  state.recorder->check();
+  if (result == 0) throw Failure(ExitStatus::failed, "the merge could not begin; nothing was written");
+  state.finished = state.account->finish();
+}
+
+void LedgerBuilder::cleanUpBy(unsigned long method) { m_state->account->setMethodOutside(method); }
+
+const Account& LedgerBuilder::account() const { return m_state->finished; }
+
+Ledger LedgerBuilder::finish() {
+  State& state = *m_state;
+  state.recorder->check();
+  state.recorder.reset();
+  state.ledger.result = cfgstore::Snapshot(storeOf(state.now));
+  state.ledger.messages = state.finished.messages;
+  Accounting(state.ledger, state.account->events(), state.account->works()).run();
+  state.account->events().moveTo(state.ledger);
+  return std::move(state.ledger);
+}
+
+Ledger migrate(ConfigFile& old, ConfigFile& now, const std::string& version) {
+  LedgerBuilder builder(old, now, version);
+  builder.merge();
+  return builder.finish();
+}
+
+}  // namespace tool

@@ -1,0 +1,137 @@
+#include "migration/Migration.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <ctime>
+#include <filesystem>
+#include <span>
+
+#include "Configuration.h"
+#include "Failure.h"
+#include "PrintableText.h"
+#include "SourceVersion.h"
+#include "TracedMethod.h"
+#include "ledger/LedgerBuilder.h"
+
+namespace tool {
+namespace {
+
+// Every value has to be accounted for before anything is written. What does not add up is an error of this program.
+void refuseUnlessItAddsUp(const Ledger& ledger) {
+  std::vector<std::string> errors = sumErrors(ledger);
+  if (errors.empty()) return;
+  errors.insert(errors.begin(), "the account of the migration does not add up; this is an error of cfgmig");
+  throw Failure(ExitStatus::failed, errors);
+}
+
+}  // namespace
+
+std::string timeNow() {
+  const std::time_t now = std::time(nullptr);
+  std::tm parts{};
+  ::gmtime_r(&now, &parts);
+  char text[sizeof "2026-11-21T09:14:00Z"];
+  std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%SZ", &parts);
+  return text;
+}
+
+Migration::Migration(MigrationRequest request) : m_request(std::move(request)) {
+  std::vector<std::string> problems;
+  m_old = openConfiguration(m_request.oldPath, problems);
+  m_new = openConfiguration(m_request.newPath, problems);
+  if (!problems.empty()) throw Failure(ExitStatus::failed, problems);
+  m_inputs.push_back(inputOf("old", m_request.oldPath, oldStore().textAsRead()));
+  m_inputs.push_back(inputOf("new", m_request.newPath, newStore().textAsRead()));
+  if (m_request.schemas) refuseTraceInSchemaFiles(m_request.traceFile, *m_request.schemas, {m_old.get(), m_new.get()});
+}
+
+std::vector<std::string> Migration::staleInputs() const {
+  std::vector<std::string> lines;
+  if (!m_request.plan) return lines;
+  const auto check = [&](const InputFile& planned, const InputFile& found) {
+    if (planned.sha256 == found.sha256) return;
+    lines.push_back(ldtr::printable(found.path) + ": is not what the plan of " + m_request.plan->time +
+                    " was made from");
+  };
+  check(m_request.plan->oldFile, oldInput());
+  check(m_request.plan->newFile, newInput());
+  return lines;
+}
+
+void Migration::merge(std::vector<std::string>& warnings, bool copySchemas) {
+  readInventory(*m_old);
+  const SourceVersion source = sourceVersionOf(*m_old->getCfgUtils(), m_request.oldPath, m_request.version);
+  warnings.insert(warnings.end(), source.warnings.begin(), source.warnings.end());
+  m_sourceVersion = source.version;
+  m_recognisedFrom = source.from;
+  readInventory(*m_new);
+
+  LedgerBuilder builder(*m_old, *m_new, source.version);
+  builder.merge();
+  if (m_request.schemas && copySchemas) {
+    builder.cleanUpBy(traced::kCheckSchemaFiles);
+    m_schemas.emplace(*m_new, *m_request.schemas);
+    const NamedFile notToReplace[] = {{m_request.oldPath, "the old configuration"},
+                                      {m_request.newPath, "the new configuration"},
+                                      {m_request.target, "the output"},
+                                      {m_request.planPath, "the plan"}};
+    m_schemas->refuseToReplace(notToReplace);
+  }
+  m_ledger.emplace(builder.finish());
+  refuseUnlessItAddsUp(*m_ledger);
+}
+
+bool Migration::fileWillExist(const std::string& path) const {
+  if (m_schemas) {
+    const auto& copies = m_schemas->copies();
+    if (std::any_of(copies.begin(), copies.end(),
+                    [&](const cfgstore::StagedCopy& copy) { return copy.isStaged() && copy.destination == path; })) {
+      return true;
+    }
+  }
+  return ::access(path.c_str(), F_OK) == 0;
+}
+
+Report Migration::report(bool showSecrets) const {
+  Report report(*m_ledger, showSecrets);
+  report.findings = findAll(*m_ledger, {[this](const std::string& path) { return fileWillExist(path); }});
+  report.mismatches = sumErrors(*m_ledger);
+  report.toolVersion = CFGMIG_VERSION;
+  report.time = timeNow();
+  report.recognisedFrom = m_recognisedFrom;
+  report.inputs = m_inputs;
+  report.options.from = m_request.plan ? m_request.plan->options.from : m_request.version;
+  report.options.target = std::filesystem::absolute(m_request.target).string();
+  if (m_request.schemas) {
+    report.options.schemas = {std::filesystem::absolute(m_request.schemas->search).string(), m_request.schemas->target};
+  }
+  if (m_schemas) report.outcome.schemas = schemaFilesOf(*m_schemas, true);
+  report.planPath = m_request.planPath;
+  return report;
+}
+
+std::vector<SchemaFile> schemaFilesOf(const SchemaCopies& copies, bool isPlan) {
+  using Found = cfgstore::FileCopy::Found;
+  std::vector<SchemaFile> files;
+  for (const cfgstore::StagedCopy& copy : copies.copies()) {
+    SchemaFile file;
+    file.source = copy.source;
+    file.destination = copy.destination;
+    file.backup = copy.backupPath;
+    file.why = copy.refusal;
+    file.fate = !copy.isStaged()                   ? SchemaFile::Fate::notCopied
+                : copy.found == Found::sameContent ? SchemaFile::Fate::present
+                : isPlan                           ? SchemaFile::Fate::toCopy
+                                                   : SchemaFile::Fate::copied;
+    files.push_back(std::move(file));
+  }
+  for (const std::string& name : copies.missing()) {
+    SchemaFile file;
+    file.source = name;
+    files.push_back(std::move(file));
+  }
+  return files;
+}
+
+}  // namespace tool

@@ -1,0 +1,72 @@
+// Migration.h -- one migration from the files that are read to the report on it; nothing is written.
+
+#ifndef CFGMIG_TOOL_MIGRATION_MIGRATION_H
+#define CFGMIG_TOOL_MIGRATION_MIGRATION_H
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "ConfigFile.h"
+#include "ConfigStore.h"
+#include "SchemaCopies.h"
+#include "ledger/Ledger.h"
+#include "migration/MigrationRequest.h"
+#include "report/Report.h"
+
+namespace tool {
+
+// Used in this order: made, merge, report.
+class Migration {
+ public:
+  // Opens both configurations, and tells all that is wrong with them in one Failure.
+  explicit Migration(MigrationRequest request);
+
+  const MigrationRequest& request() const { return m_request; }
+  const InputFile& oldInput() const { return m_inputs[0]; }
+  const InputFile& newInput() const { return m_inputs[1]; }
+
+  // A line for each input that is not what the plan was made from; empty without a plan.
+  std::vector<std::string> staleInputs() const;
+
+  // Merges in memory. Lines that warn go to `warnings`. With `copySchemas`, the schema files that the request names
+  // directories for are staged. Throws Failure, also when the account of the values does not add up.
+  void merge(std::vector<std::string>& warnings, bool copySchemas = true);
+
+  const Ledger& ledger() const { return *m_ledger; }
+  cfgstore::ConfigStore& oldStore() const { return storeOf(*m_old); }
+  cfgstore::ConfigStore& newStore() const { return storeOf(*m_new); }
+  const std::string& sourceVersion() const { return m_sourceVersion; }
+
+  // Null when no schema files are copied.
+  SchemaCopies* schemas() { return m_schemas ? &*m_schemas : nullptr; }
+
+  // The report on what the merge has made; its outcome is that of a plan. Refers to this object.
+  Report report(bool showSecrets) const;
+
+ private:
+  static cfgstore::ConfigStore& storeOf(ConfigFile& configuration) {
+    return cfgstore::ConfigStore::of(*configuration.getCfgUtils());
+  }
+  bool fileWillExist(const std::string& path) const;
+
+  MigrationRequest m_request;
+  std::unique_ptr<ConfigFile> m_old;
+  std::unique_ptr<ConfigFile> m_new;
+  std::vector<InputFile> m_inputs;
+  std::string m_sourceVersion;
+  std::string m_recognisedFrom;
+  std::optional<SchemaCopies> m_schemas;
+  std::optional<Ledger> m_ledger;
+};
+
+// What became of the schema files, as a report shows it.
+std::vector<SchemaFile> schemaFilesOf(const SchemaCopies& copies, bool isPlan);
+
+// The current time as reports write it, "2026-11-21T09:14:00Z".
+std::string timeNow();
+
+}  // namespace tool
+
+#endif  // CFGMIG_TOOL_MIGRATION_MIGRATION_H

@@ -1,0 +1,184 @@
+#include "migration/UndoRecord.h"
+
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <nlohmann/json.hpp>
+#include <stdexcept>
+
+#include "Base64.h"
+#include "Failure.h"
+#include "FileNames.h"
+#include "JsonText.h"
+#include "NewFile.h"
+#include "PrintableText.h"
+#include "report/Sha256.h"
+
+namespace tool {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+constexpr const char* kFormat = "cfgmig undo";
+constexpr unsigned kFormatVersion = 1;
+
+[[noreturn]] void fail(const std::string& path, const std::string& why) {
+  throw Failure(ExitStatus::failed, ldtr::printable(path) + ": " + why);
+}
+
+Json jsonOf(const InputFile& file) {
+  return {{"path", jsonText(file.path)}, {"sha256", file.sha256}, {"size", file.size}};
+}
+
+Json jsonOf(const UndoRecord& record) {
+  Json json = {{"format", kFormat},
+               {"format_version", kFormatVersion},
+               {"tool_version", record.toolVersion},
+               {"time", record.time},
+               {"source_version", record.sourceVersion},
+               {"target", jsonText(record.target)},
+               {"sha256", record.sha256},
+               {"backup", jsonText(record.backup)},
+               {"backup_sha256", record.backupSha256},
+               {"old", jsonOf(record.oldFile)},
+               {"new", jsonOf(record.newFile)}};
+  json["schemas"] = nullptr;
+  if (record.schemas) {
+    json["schemas"] = {{"search_directory", jsonText(record.schemas->searchDirectory)},
+                       {"target_directory", jsonText(record.schemas->targetDirectory)}};
+  }
+  json["copies"] = Json::array();
+  for (const UndoCopy& copy : record.copies) {
+    json["copies"].push_back({{"path", jsonText(copy.path)},
+                              {"sha256", copy.sha256},
+                              {"backup", jsonText(copy.backup)},
+                              {"backup_sha256", copy.backupSha256}});
+  }
+  return json;
+}
+
+// A text, which is in base64 when it is not UTF-8. Throws std::runtime_error.
+std::string textOf(const Json& json) {
+  if (!json.is_object()) return json.get<std::string>();
+  std::string decoded = json.at("base64").get<std::string>();
+  if (!cfgstore::decodeBase64InPlace(decoded, 0)) throw std::runtime_error("base64");
+  return decoded;
+}
+
+// The fingerprint of a file, which is given exactly when there is the file.
+std::string fingerprintOf(const Json& json, const std::string& path) {
+  std::string text = json.get<std::string>();
+  if (path.empty() ? !text.empty() : !isSha256(text)) throw std::runtime_error("fingerprint");
+  return text;
+}
+
+InputFile inputFrom(const Json& json, const char* role) {
+  InputFile file{role, textOf(json.at("path")), {}, json.at("size").get<std::uint64_t>()};
+  file.sha256 = fingerprintOf(json.at("sha256"), "a file");
+  return file;
+}
+
+UndoRecord recordFrom(const Json& json) {
+  if (json.at("format") != kFormat || json.at("format_version") != kFormatVersion) throw std::runtime_error("format");
+  UndoRecord record;
+  record.toolVersion = json.at("tool_version").get<std::string>();
+  record.time = json.at("time").get<std::string>();
+  record.sourceVersion = json.at("source_version").get<std::string>();
+  record.target = textOf(json.at("target"));
+  record.sha256 = fingerprintOf(json.at("sha256"), record.target);
+  record.backup = textOf(json.at("backup"));
+  record.backupSha256 = fingerprintOf(json.at("backup_sha256"), record.backup);
+  record.oldFile = inputFrom(json.at("old"), "old");
+  record.newFile = inputFrom(json.at("new"), "new");
+  if (const Json& schemas = json.at("schemas"); !schemas.is_null()) {
+    record.schemas = {textOf(schemas.at("search_directory")), textOf(schemas.at("target_directory"))};
+  }
+  for (const Json& each : json.at("copies")) {
+    UndoCopy copy;
+    copy.path = textOf(each.at("path"));
+    copy.sha256 = fingerprintOf(each.at("sha256"), copy.path);
+    copy.backup = textOf(each.at("backup"));
+    copy.backupSha256 = fingerprintOf(each.at("backup_sha256"), copy.backup);
+    record.copies.push_back(std::move(copy));
+  }
+  return record;
+}
+
+std::string environment(const char* name) {
+  const char* const value = std::getenv(name);
+  return value != nullptr && value[0] == '/' ? value : "";
+}
+
+// Where programs keep what they know from one run to the next. Not beside the configuration, whose directory belongs to
+// its server.
+std::string stateDirectory() {
+  if (const std::string given = environment("CFGMIG_STATE_DIRECTORY"); !given.empty()) return given;
+  if (::geteuid() == 0) return "/var/lib/cfgmig";
+  if (const std::string state = environment("XDG_STATE_HOME"); !state.empty()) return state + "/cfgmig";
+  return environment("HOME") + "/.local/state/cfgmig";
+}
+
+}  // namespace
+
+std::string undoRecordPath(const std::string& target) {
+  std::error_code error;
+  const std::filesystem::path resolved = std::filesystem::weakly_canonical(target, error);
+  return stateDirectory() + "/undo/" + sha256(error ? target : resolved.string()) + ".json";
+}
+
+std::optional<UndoRecord> readUndoRecord(const std::string& target) {
+  const std::string path = undoRecordPath(target);
+  if (::access(path.c_str(), F_OK) != 0 && errno == ENOENT) return std::nullopt;
+  std::ifstream in(path, std::ios::binary);
+  if (!in) fail(path, std::strerror(errno));
+  try {
+    UndoRecord record = recordFrom(Json::parse(in));
+    std::error_code error;
+    if (std::filesystem::weakly_canonical(target, error).string() == record.target) return record;
+  } catch (const std::bad_alloc&) {
+    throw;
+  } catch (const std::exception&) {
+    fail(path, "it is no record that cfgmig apply has written, or has been changed since");
+  }
+  fail(path, "it is the record of another file; this one has been moved or renamed since");
+}
+
+void writeUndoRecord(const UndoRecord& record) {
+  const std::string path = undoRecordPath(record.target);
+  const std::string text = jsonOf(record).dump(1) + "\n";
+  const std::array<std::string_view, 1> pieces{text};
+  const std::string directory = cfgstore::directoryOf(path);
+  std::error_code failure;
+  std::filesystem::create_directories(directory, failure);
+  if (!failure) std::filesystem::permissions(directory, std::filesystem::perms::owner_all, failure);
+  if (failure) fail(directory, "the record for undo cannot be written: " + failure.message());
+  try {
+    cfgstore::FileSystem& files = cfgstore::FileSystem::real();
+    cfgstore::NewFile file(files, cfgstore::besideName(path, "new"));
+    file.make(pieces, {});
+    file.replace(path);
+  } catch (const cfgstore::FileError& error) {
+    fail(path, std::string("the record for undo cannot be written: ") + ldtr::printable(error.what()));
+  }
+}
+
+void clearHalfUndoRecord(const std::string& target) {
+  const std::string path = undoRecordPath(target);
+  try {
+    cfgstore::NewFile::clearLeftover(cfgstore::FileSystem::real(), cfgstore::besideName(path, "new"));
+  } catch (const cfgstore::FileError& error) {
+    fail(path, ldtr::printable(error.what()));
+  }
+}
+
+void removeUndoRecord(const std::string& target) {
+  const std::string path = undoRecordPath(target);
+  if (::unlink(path.c_str()) != 0 && errno != ENOENT) fail(path, std::strerror(errno));
+}
+
+}  // namespace tool
