@@ -13,8 +13,10 @@ constexpr Edit kEdits[] = {Edit::addValue, Edit::addValue, Edit::delValue,    Ed
 const std::string kDns[] = {"CN=CONFIGURATION", "cn=a , cn=Configuration",   "", "cn", "cn=\\zz",
                             "OU=X;CN=\"B,C\"",  "2.5.4.3=A,CN=CONFIGURATION"};
 
-const std::string kNames[] = {"objectClass", "cn",         "port",    "PLUGIN", "a;lang-de", "1.2.3", "zor_a", "dn",
-                              "control",     "ChangeType", "version", "",       "no name",   "9a",    "a;"};
+// The last one is longer than a file may have it.
+const std::string kNames[] = {
+    "objectClass", "cn",         "port",    "PLUGIN", "a;lang-de", "1.2.3", "zor_a", "dn",
+    "control",     "ChangeType", "version", "",       "no name",   "9a",    "a;",    std::string(65536, 'x')};
 
 const std::string kValues[] = {"", "top", " blank", ":colon", "<less", "#hash", "two\nlines", "\xff\xfe", "J\xc3\xbc"};
 

@@ -18,6 +18,11 @@ bool isReservedName(std::string_view name) {
   return sameName(name, "dn") || sameName(name, "changetype") || sameName(name, "control");
 }
 
+// Whether an attribute that an entry lacks can be written under this name, and read again.
+bool canBeNewName(std::string_view name) {
+  return isAttributeName(name) && !isReservedName(name) && name.size() <= kMostNameBytes;
+}
+
 }  // namespace
 
 Document::Document(SourceText source, std::vector<Problem>& problems) : m_source(std::move(source)) {
@@ -141,7 +146,7 @@ ResultCode Document::addValue(std::string_view dn, std::string_view name, std::s
   const EntryLines& lines = linesOf(id);
   const EntryLines::Attribute attribute = lines.find(name);
   if (attribute == EntryLines::kNone) {
-    if (!isAttributeName(name) || isReservedName(name)) return kUndefinedAttributeType;
+    if (!canBeNewName(name)) return kUndefinedAttributeType;
     const Line line = newLine(name, value);
     editable(id).appendNew(line);
   } else if (!lines.hasValue(attribute, value)) {

@@ -159,7 +159,8 @@ std::optional<LineFault> parseLine(std::string_view text, std::string& scratch, 
     }
   }
   if (fault) return fault;
-  if (head.nameLength > std::numeric_limits<std::uint16_t>::max()) return LineFault::longName;
+  static_assert(kMostNameBytes <= std::numeric_limits<decltype(line.nameLength)>::max());
+  if (head.nameLength > kMostNameBytes) return LineFault::longName;
   line.nameLength = static_cast<std::uint16_t>(head.nameLength);
   line.kind = sameName(name, "dn") ? LineKind::dn : LineKind::attribute;
   if (head.base64) {

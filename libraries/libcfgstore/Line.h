@@ -5,6 +5,7 @@
 #ifndef CFGMIG_LIBCFGSTORE_LINE_H
 #define CFGMIG_LIBCFGSTORE_LINE_H
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -58,6 +59,9 @@ std::string_view lineValue(const Line& line, std::string& scratch);
 
 // `text` without the line end that it may have.
 std::string_view withoutLineEnd(std::string_view text);
+
+// The longest attribute name that the reader takes, so that a Line stays small.
+inline constexpr std::size_t kMostNameBytes = 65535;
 
 // True when `name` can stand for an attribute in an LDIF file: a letter followed by letters, digits, '-' and '_' (which
 // older servers use), or an OID; then options, each after a ';'.

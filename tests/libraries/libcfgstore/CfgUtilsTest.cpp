@@ -218,6 +218,15 @@ TEST_F(AddValue, FailsForAnEntryThatIsNotThere) {
   expectUnchanged();
 }
 
+TEST_F(AddValue, RefusesANameThatIsTooLongToBeReadAgain) {
+  const std::string longest(65535, 'x');
+  EXPECT_EQ(m_store.addValue(kFrontEnd, (longest + "x").c_str(), "1"), kUndefinedAttributeType);
+  EXPECT_EQ(m_store.setValue(kFrontEnd, (longest + "x").c_str(), "1"), kUndefinedAttributeType);
+  expectUnchanged();
+  EXPECT_EQ(m_store.addValue(kFrontEnd, longest.c_str(), "1"), kSuccess);
+  EXPECT_EQ(TestStore(m_store.text()).values(kFrontEnd, longest.c_str()).values, Strings{"1"});
+}
+
 TEST_F(AddValue, RefusesNamesThatWouldBreakTheFile) {
   for (const char* name : {"", " ", "a b", "a:", "a\nb", "a\n", "-a", "a;", ";a", "\xC3\xBC", "dn", "DN", "changetype",
                            "control", "1.", "#a"}) {
