@@ -31,7 +31,7 @@ SavedFile AtomicFile::save(std::span<const std::string_view> pieces, Backup back
 
 bool AtomicFile::check(std::span<const std::string_view> pieces, mode_t permissions) const {
   return asSaveErrors(m_target, [&] {
-    const TargetFile target(m_fileSystem, m_target);
+    const TargetFile target(m_fileSystem, m_target, Access::look);
     if (!isWanted(target, pieces)) return false;
     refuse(target);
     FileAttributes attributes = target.exists() ? target.attributes() : FileAttributes{};
@@ -43,7 +43,7 @@ bool AtomicFile::check(std::span<const std::string_view> pieces, mode_t permissi
 
 SavedFile AtomicFile::saveLocked(std::span<const std::string_view> pieces, Backup backup, std::time_t now,
                                  mode_t permissions) {
-  TargetFile target(m_fileSystem, m_target);
+  TargetFile target(m_fileSystem, m_target, Access::write);
   SavedFile saved;
   saved.isSource = isSource(target);
   if (!isWanted(target, pieces)) {

@@ -10,20 +10,27 @@ void EntryIndex::reserve(std::size_t count) {
   slots.swap(m_slots);
   m_used = 0;
   for (const Slot& slot : slots) {
-    if (slot.entry == kNoEntry || slot.entry == kRemoved) continue;
+    if (slot.entry == kNoEntry) continue;
     put(slot);
     ++m_used;
   }
 }
 
+// No mark is left where the entry was, or many removals would make every search longer: the slots that follow are moved
+// up as far as a search still finds them.
 void EntryIndex::erase(std::string_view key, EntryId entry) noexcept {
-  const std::uint32_t hash = hashOf(key);
-  for (std::size_t at = hash & mask(); m_slots[at].entry != kNoEntry; at = (at + 1) & mask()) {
-    if (m_slots[at].entry == entry) {
-      m_slots[at].entry = kRemoved;
-      return;
-    }
+  std::size_t hole = hashOf(key) & mask();
+  for (; m_slots[hole].entry != entry; hole = (hole + 1) & mask()) {
+    if (m_slots[hole].entry == kNoEntry) return;
   }
+  for (std::size_t at = (hole + 1) & mask(); m_slots[at].entry != kNoEntry; at = (at + 1) & mask()) {
+    const std::size_t fromHome = (at - m_slots[at].hash) & mask();
+    if (fromHome < ((at - hole) & mask())) continue;
+    m_slots[hole] = m_slots[at];
+    hole = at;
+  }
+  m_slots[hole] = Slot();
+  --m_used;
 }
 
 }  // namespace cfgstore

@@ -26,7 +26,7 @@ class EntryIndex {
     for (std::size_t at = hash & mask();; at = (at + 1) & mask()) {
       const Slot& slot = m_slots[at];
       if (slot.entry == kNoEntry) return kNoEntry;
-      if (slot.entry != kRemoved && slot.hash == hash && keyOf(slot.entry) == key) return slot.entry;
+      if (slot.hash == hash && keyOf(slot.entry) == key) return slot.entry;
     }
   }
 
@@ -47,7 +47,6 @@ class EntryIndex {
     std::uint32_t hash = 0;
     EntryId entry = kNoEntry;
   };
-  static constexpr EntryId kRemoved = kNoEntry - 1;
 
   static std::uint32_t hashOf(std::string_view key) {
     const std::uint64_t hash = hashOfText(key);
@@ -61,7 +60,7 @@ class EntryIndex {
   }
 
   std::vector<Slot> m_slots;  // a power of two, or none
-  std::size_t m_used = 0;     // slots that are not empty, those of removed entries included; at most 3 of 4
+  std::size_t m_used = 0;     // slots that are not empty; at most 3 of 4
 };
 
 }  // namespace cfgstore

@@ -28,7 +28,7 @@ FilePlacement::FilePlacement(FileSystem& fileSystem, std::string destination, mo
 FilePlacement::Found FilePlacement::examine(std::string_view content) const {
   const Found found = find(content);
   try {
-    TargetFile(m_fileSystem, m_destination, TargetFile::Links::refuse).checkNames();
+    TargetFile(m_fileSystem, m_destination, Access::look, TargetFile::Links::refuse).checkNames();
   } catch (const FileInUse&) {
     return found;  // whoever is at work there now may be done when the file is placed
   }
@@ -58,7 +58,7 @@ FilePlacement::Found FilePlacement::find(std::string_view content) const {
 
 void FilePlacement::place(std::string_view content, std::time_t now) {
   find(content);
-  TargetFile target(m_fileSystem, m_destination, TargetFile::Links::refuse);
+  TargetFile target(m_fileSystem, m_destination, Access::write, TargetFile::Links::refuse);
   target.clearLeftovers(now);
   const std::array<std::string_view, 1> pieces{content};
   if (target.exists() && holdsContent(m_fileSystem, target.file(), pieces)) return;

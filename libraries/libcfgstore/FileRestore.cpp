@@ -75,7 +75,7 @@ void refuse(FileSystem& fileSystem, const TargetFile& target, const IsExpected& 
 SaveResult restoreFile(const std::string& target, const std::string& backup, const IsExpected& isExpected, Backup keep,
                        FileSystem& fileSystem, std::time_t now) {
   return asSaveErrors(target, [&] {
-    TargetFile there(fileSystem, target);
+    TargetFile there(fileSystem, target, Access::write);
     const BackupFile old = read(fileSystem, backup);
     SaveResult result;
     if (isRestored(fileSystem, there, old)) {
@@ -104,7 +104,7 @@ SaveResult restoreFile(const std::string& target, const std::string& backup, con
 
 bool removeFile(const std::string& target, const IsExpected& isExpected, FileSystem& fileSystem) {
   return asSaveErrors(target, [&] {
-    TargetFile there(fileSystem, target);
+    TargetFile there(fileSystem, target, Access::write);
     if (!there.exists()) return false;
     refuse(fileSystem, there, isExpected);
     there.clearLeftovers(std::time(nullptr));
@@ -123,7 +123,7 @@ bool removeFile(const std::string& target, const IsExpected& isExpected, FileSys
 void checkRestore(const std::string& target, const std::string& backup, const IsExpected& isExpected,
                   FileSystem& fileSystem) {
   asSaveErrors(target, [&] {
-    const TargetFile there(fileSystem, target);
+    const TargetFile there(fileSystem, target, Access::look);
     std::optional<BackupFile> old;
     if (!backup.empty()) old = read(fileSystem, backup);
     if (old && isRestored(fileSystem, there, *old)) return;

@@ -76,7 +76,8 @@ class Reader {
   void readAttribute(const Line& line, std::string_view name);
   void startEntry(std::optional<std::string_view> normal);
   void endEntry();
-  bool hasStrayReturn(std::string_view line) const;
+  static std::size_t strayReturn(std::string_view line);
+  std::size_t physicalLineOf(std::string_view line, std::size_t at) const;
   void problem(RemarkKind kind, std::string text) { problemOn(m_lineNumber, kind, std::move(text)); }
   void problemOn(std::size_t lineNumber, RemarkKind kind, std::string text);
 
@@ -153,11 +154,8 @@ void Reader::readLine(std::string_view line) {
     return problem(RemarkKind::lineTooLong, "a line of more than 4 GiB");
   if (m_hasZeros) {
     if (const auto zero = line.find('\0'); zero != std::string_view::npos) {
-      const auto above = std::count(line.begin(), line.begin() + static_cast<std::ptrdiff_t>(zero), '\n');
       skip(line);  // first, since what it reports is of the line's beginning
-      problemOn(m_lineNumber + static_cast<std::size_t>(above), RemarkKind::zeroByte,
-                "a zero byte; expected a text file");
-      return;
+      return problemOn(physicalLineOf(line, zero), RemarkKind::zeroByte, "a zero byte; expected a text file");
     }
   }
   if (line[0] == '\n' || line == "\r\n") return readBlank(line);
@@ -167,8 +165,9 @@ void Reader::readLine(std::string_view line) {
     return problem(RemarkKind::nothingToContinue,
                    "a line that begins with a blank, but there is none above that it could continue");
   }
-  if (m_hasReturns && hasStrayReturn(line)) {
-    problem(RemarkKind::strayReturn, "a carriage return without a line feed; expected line ends of one kind");
+  if (const std::size_t at = m_hasReturns ? strayReturn(line) : kNone; at != kNone) {
+    problemOn(physicalLineOf(line, at), RemarkKind::strayReturn,
+              "a carriage return without a line feed; expected line ends of one kind");
     return skip(line);
   }
   readNamed(line);
@@ -210,8 +209,8 @@ void Reader::readNamed(std::string_view text) {
 // After a problem with a line that is left out of the table. An entry begins with it all the same where it looks like a
 // dn line, so that its attributes are not reported as well.
 void Reader::skip(std::string_view line) {
-  if (!sameName(line.substr(0, 3), "dn:")) return;
   m_mayHaveVersion = false;
+  if (!sameName(line.substr(0, 3), "dn:")) return;
   checkSeparated();
   startEntry(std::nullopt);
 }
@@ -270,6 +269,12 @@ void Reader::endEntry() {
 
 void Reader::readAttribute(const Line& line, std::string_view name) {
   m_mayHaveVersion = false;
+  if (m_place == Place::outside && sameName(name, "version")) {
+    problem(RemarkKind::misplacedVersion, "a version line; expected it once, above the first entry");
+    m_content.lines.push_back(line);
+    m_content.lines.back().kind = LineKind::version;
+    return;
+  }
   if (m_place == Place::outside) {
     problem(RemarkKind::missingDn, "an entry that does not begin with its DN; expected \"dn:\"");
     m_place = Place::inEntryWithoutDn;
@@ -281,11 +286,18 @@ void Reader::readAttribute(const Line& line, std::string_view name) {
   m_content.lines.push_back(line);
 }
 
-bool Reader::hasStrayReturn(std::string_view line) const {
+// Where a carriage return stands without a line feed behind it, or kNone.
+std::size_t Reader::strayReturn(std::string_view line) {
   for (auto at = line.find('\r'); at != std::string_view::npos; at = line.find('\r', at + 1)) {
-    if (at + 1 == line.size() || line[at + 1] != '\n') return true;
+    if (at + 1 == line.size() || line[at + 1] != '\n') return at;
   }
-  return false;
+  return kNone;
+}
+
+// The number of the physical line of `line`, the logical one at hand, in which the character at `at` stands.
+std::size_t Reader::physicalLineOf(std::string_view line, std::size_t at) const {
+  const auto above = std::count(line.begin(), line.begin() + static_cast<std::ptrdiff_t>(at), '\n');
+  return m_lineNumber + static_cast<std::size_t>(above);
 }
 
 }  // namespace

@@ -1,7 +1,6 @@
 #include "NewFile.h"
 
 #include <fcntl.h>
-#include <sys/file.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -9,6 +8,7 @@
 #include <memory>
 
 #include "AccessList.h"
+#include "FileLock.h"
 #include "LockHolder.h"
 
 namespace cfgstore {
@@ -59,7 +59,7 @@ bool isUnfinished(FileSystem& fileSystem, int file) {
 }
 
 // Opens and locks what is left at `path`. No file if nothing is there.
-void takeLeftover(FileSystem& fileSystem, const std::string& path, OpenFile& leftover) {
+void takeLeftover(FileSystem& fileSystem, const std::string& path, Access access, OpenFile& leftover) {
   struct stat status {};
   if (fileSystem.lstat(path.c_str(), &status) != 0) {
     if (errno == ENOENT) return;
@@ -72,10 +72,7 @@ void takeLeftover(FileSystem& fileSystem, const std::string& path, OpenFile& lef
     if (errno == ENOENT) return;
     throw FileError("a file of that name is left beside it and cannot be examined (" + path + ")", errno);
   }
-  if (fileSystem.flock(leftover.get(), LOCK_EX | LOCK_NB) != 0) {
-    if (errno == EWOULDBLOCK) throw FileInUse(describeHolder(leftover.get()));
-    throw FileError("cannot be locked", errno);
-  }
+  lockFile(fileSystem, leftover.get(), access);
   if (!isStillAt(fileSystem, leftover.get(), path)) throw FileInUse(kBusy);
   if (!isUnfinished(fileSystem, leftover.get())) throw FileError(notOurs);
 }
@@ -111,13 +108,13 @@ bool holdsContent(FileSystem& fileSystem, int file, std::span<const std::string_
 
 void NewFile::clearLeftover(FileSystem& fileSystem, const std::string& path) {
   OpenFile leftover(fileSystem, -1);
-  takeLeftover(fileSystem, path, leftover);
+  takeLeftover(fileSystem, path, Access::write, leftover);
   if (leftover && fileSystem.unlink(path.c_str()) != 0) throw FileError("cannot be cleared (" + path + ")", errno);
 }
 
 void NewFile::checkLeftover(FileSystem& fileSystem, const std::string& path) {
   OpenFile leftover(fileSystem, -1);
-  takeLeftover(fileSystem, path, leftover);
+  takeLeftover(fileSystem, path, Access::look, leftover);
 }
 
 NewFile::NewFile(FileSystem& fileSystem, std::string path)
@@ -146,10 +143,11 @@ void NewFile::create() {
   if (file < 0) throw FileError("no file can be created beside it", errno);
   m_mine = true;
   m_file.reset(file);
-  if (m_fileSystem.flock(file, LOCK_EX | LOCK_NB) != 0) {
-    if (errno != EWOULDBLOCK) throw FileError("cannot be locked", errno);
+  try {
+    lockFile(m_fileSystem, file, Access::write);
+  } catch (const FileInUse&) {
     m_mine = false;
-    throw FileInUse(describeHolder(file));
+    throw;
   }
   if (!isStillAt(m_fileSystem, file, m_path)) {
     m_mine = false;

@@ -26,6 +26,8 @@ constexpr std::array kTable = std::to_array<RemarkKindInfo>({
     {nothingToContinue, "nothing-to-continue", kError,
      "A line begins with a blank, but there is none above it to continue."},
     {unknownVersion, "unknown-version", kError, "The version line does not say 1, the only version of LDIF."},
+    {misplacedVersion, "misplaced-version", kError,
+     "A version line stands between entries, or a second time; it belongs above the first entry."},
     {dnInsideEntry, "dn-inside-entry", kError,
      "A dn line has no empty line above it, so that two entries run together."},
     {badDn, "bad-dn", kError, "The DN of an entry is not a distinguished name."},

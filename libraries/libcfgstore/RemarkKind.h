@@ -33,6 +33,7 @@ enum class RemarkKind : std::uint8_t {
   zeroByteInValue,
   nothingToContinue,
   unknownVersion,
+  misplacedVersion,
   dnInsideEntry,
   badDn,
   duplicateEntry,

@@ -1,7 +1,7 @@
 #include "TargetFile.h"
 
 #include <fcntl.h>
-#include <sys/file.h>
+#include <limits.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -10,7 +10,6 @@
 
 #include "FileError.h"
 #include "FileNames.h"
-#include "LockHolder.h"
 #include "NewFile.h"
 #include "OldFile.h"
 
@@ -39,10 +38,10 @@ bool mayGiveGroup(gid_t group) {
 
 }  // namespace
 
-TargetFile::TargetFile(FileSystem& fileSystem, const std::string& name, Links links)
+TargetFile::TargetFile(FileSystem& fileSystem, const std::string& name, Access access, Links links)
     : m_fileSystem(fileSystem), m_file(fileSystem, -1) {
   resolve(name, links);
-  open();
+  open(access);
 }
 
 void TargetFile::resolve(const std::string& name, Links links) {
@@ -64,7 +63,7 @@ void TargetFile::resolve(const std::string& name, Links links) {
   m_path = (directory == "/" ? "" : directory) + "/" + nameOf(name);
 }
 
-void TargetFile::open() {
+void TargetFile::open(Access access) {
   m_file.reset(m_fileSystem.open(m_path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, 0));
   if (!m_file) {
     if (errno == ENOENT) return;
@@ -72,10 +71,7 @@ void TargetFile::open() {
   }
   examine();
   if (!S_ISREG(m_status.st_mode)) throw FileError("is not a regular file");
-  if (m_fileSystem.flock(m_file.get(), LOCK_EX | LOCK_NB) != 0) {
-    if (errno == EWOULDBLOCK) throw FileInUse(describeHolder(m_file.get()));
-    throw FileError("cannot be locked", errno);
-  }
+  lockFile(m_fileSystem, m_file.get(), access);
   // Another program may have written between the two steps.
   examine();
   checkUntouched();
@@ -102,6 +98,7 @@ void TargetFile::refuseHardLinks() const {
 }
 
 void TargetFile::checkNames() const {
+  if (nameOf(backupName(m_path, 0, 1)).size() > NAME_MAX) throw FileError("its name is too long for one of a backup");
   OldFile(m_fileSystem, m_path).checkLeftover(nullptr);
   for (const char* purpose : kPurposes) {
     // The mark is looked at only where the file is not a name of the target's, whose lock is held already.

@@ -9,20 +9,21 @@
 #include <string>
 
 #include "FileAttributes.h"
+#include "FileLock.h"
 #include "FileSystem.h"
 #include "OpenFile.h"
 
 namespace cfgstore {
 
-// All functions throw FileError, and FileInUse when another program is at work on the file. The lock is never waited
-// for; it goes with the object, or with the program, however that ends.
+// All functions throw FileError, and FileInUse when another program is at work on the file. The lock of Access::write
+// goes with the object, or with the program, however that ends.
 class TargetFile {
  public:
   // Whether a symbolic link at the place leads to the file that is meant.
   enum class Links { follow, refuse };
 
   // Finds the file, opens it and locks it. A file that does not exist is no error, but its directory has to.
-  TargetFile(FileSystem& fileSystem, const std::string& name, Links links = Links::follow);
+  TargetFile(FileSystem& fileSystem, const std::string& name, Access access, Links links = Links::follow);
 
   bool exists() const { return static_cast<bool>(m_file); }
   const std::string& path() const { return m_path; }      // symbolic links resolved
@@ -54,7 +55,7 @@ class TargetFile {
 
  private:
   void resolve(const std::string& name, Links links);
-  void open();
+  void open(Access access);
   void examine();
   struct stat unchangedStatus() const;
 

@@ -22,20 +22,27 @@ export const desk = {width: 1280, height: 900};
 export const phone = {width: 390, height: 844};
 
 let browser;
+const contexts = new Map();  // of a browser; making one takes longer than most tests
 before(async () => {
   assert.ok(existsSync(executablePath), `${executablePath} is missing; run scripts/install-dependencies test`);
   browser = await chromium.launch({executablePath, headless: true, args});  // with a new, empty profile
 }, {timeout: 120000});
 after(() => browser?.close());
 
+const contextFor = async (options) => {
+  const key = JSON.stringify(options);
+  if (!contexts.has(key)) contexts.set(key, await browser.newContext(options));
+  return contexts.get(key);
+};
+
 // Opens a page, hands it to `test`, and then checks that it stayed quiet: no error, no message, no dialog, no request
 // but the one for the page itself, nothing that its policy had to stop, and no planted code that ran. `mayBeLoud` is for
 // tests that make it do such things.
 export const withPage = async (name, options, test) => {
   const {viewport = desk, dark = false, script = true, mayBeLoud = false} = options;
-  const context = await browser.newContext({viewport, colorScheme: dark ? 'dark' : 'light', javaScriptEnabled: script});
-  context.setDefaultTimeout(60000);
+  const context = await contextFor({viewport, colorScheme: dark ? 'dark' : 'light', javaScriptEnabled: script});
   const page = await context.newPage();
+  page.setDefaultTimeout(60000);
   const address = pathToFileURL(join(pages, `${name}.html`)).href;
   const seen = [];
   const requests = [];
@@ -64,7 +71,7 @@ export const withPage = async (name, options, test) => {
       assert.equal(await page.evaluate(() => window.planted), undefined);
     }
   } finally {
-    await context.close();
+    await page.close();
   }
 };
 

@@ -47,6 +47,46 @@ test('a fate filters, and its entries open by themselves', () => withPage('small
                    ['cn=Configuration', 'cn=Front End, cn=Configuration', 'cn=Retired, cn=Configuration']);
 }));
 
+test('no table stands there with nothing but its heading', async () => {
+  for (const script of [true, false]) {
+    await withPage('example-5.1', {script}, async (page) => {
+      for (const id of ['fd', 'oa', 'rr']) {
+        await page.locator(`#${id}`).check();
+        if (script) await page.waitForFunction(() => document.getElementById('state').textContent !== '');
+        await page.locator('#entries .e:not([open]) > summary').evaluateAll((boxes) => boxes.forEach((box) => box.click()));
+        const rows = await page.locator('#entries table').evaluateAll((tables) => tables.filter((table) => table.checkVisibility()).map(
+          (table) => [...table.tBodies[0].rows].filter((row) => row.checkVisibility()).length));
+        assert.ok(rows.length > 0, id);
+        assert.ok(rows.every((count) => count > 0), `${id}: ${rows}`);
+        await page.locator(`#${id}`).uncheck();
+      }
+    });
+  }
+});
+
+test('a link to what a filter hides clears the filter', () => withPage('small', {}, async (page) => {
+  await tick(page, 'fl');
+  const link = page.locator('table.swap a', {hasText: 'cn=Admin'});
+  await link.click();
+  const entry = page.locator('.e.here');
+  assert.match(await entry.locator('> summary').innerText(), /cn=Admin/);
+  assert.ok(await entry.locator('> summary').isVisible());
+  assert.ok(await entry.locator('tbody tr').first().isVisible());
+  assert.ok(await entry.locator('> summary').evaluate((summary) => summary === document.activeElement));
+  assert.equal(await page.locator('#filters :checked').count(), 0);
+  assert.match(await page.locator('#state').innerText(), /^The filters were cleared/);
+}));
+
+test('what was gone to stays open when the filter is cleared', () => withPage('small', {}, async (page) => {
+  await page.locator('#close-all').click();
+  await tick(page, 'fl');
+  await page.locator('#entries tr.fl').waitFor({state: 'visible'});
+  await page.locator('table.left a', {hasText: 'cn=Audit'}).first().click();
+  await page.locator('#filters button').click();
+  await page.waitForFunction(() => document.getElementById('state').textContent === '');
+  assert.ok(await page.locator('#entries tr.fl').isVisible());
+}));
+
 test('a fate and an origin together show both', () => withPage('small', {}, async (page) => {
   await openAll(page);
   await tick(page, 'fl');

@@ -53,6 +53,15 @@ test('of a large page, paper has what was opened, and says so', () => withPage('
   assert.ok((await onPaper(page, '.reason tbody tr')).every(Boolean), 'what did not come along');
 }));
 
+test('the text of a table has one size on paper', () => withPage('small', {}, async (page) => {
+  await page.locator('#open-all').click();
+  await page.emulateMedia({media: 'print'});
+  const sizes = await page.locator('#entries tr.fc').first().locator('th, td, code, small').evaluateAll(
+    (elements) => elements.map((element) => Number.parseFloat(getComputedStyle(element).fontSize)));
+  assert.ok(sizes.length > 6);
+  assert.ok(Math.max(...sizes) - Math.min(...sizes) < 0.1, `${sizes}`);
+}));
+
 test('it prints', () => withPage('small', {}, async (page) => {
   const pdf = await page.pdf({format: 'A4', printBackground: true});
   assert.equal(pdf.subarray(0, 5).toString(), '%PDF-');

@@ -44,6 +44,10 @@ test('what is named exactly comes first', () => withPage('small', {}, async (pag
   const {hits: exact} = await searchFor(page, 'zor-audit');
   assert.match(exact[0], /^zor-audit /);
   assert.match(exact[1], /^zor-auditLog .*lost/);
+  const {hits: value} = await searchFor(page, 'configuration');  // which stands in every DN
+  assert.match(value[0], /^Entry cn=Configuration /);
+  assert.match(value[1], /^cn .*Old: Configuration/);
+  assert.match(value[2], /^Entry cn=Admin/);
 }));
 
 test('a dropped value is found with the rule that dropped it', () => withPage('small', {}, async (page) => {

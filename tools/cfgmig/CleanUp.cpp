@@ -26,22 +26,6 @@ bool isAbsence(int rc) { return rc == kNoSuchAttribute || rc == kNoSuchEntry; }
 
 std::string codeText(int rc) { return "code " + std::to_string(rc) + " (" + storeCodeText(rc) + ")"; }
 
-const char* operationName(Operation operation) {
-  switch (operation) {
-    case Operation::addValue:
-      return "addValue";
-    case Operation::delValue:
-      return "delValue";
-    case Operation::setValue:
-      return "setValue";
-    case Operation::addEntry:
-      return "addEntry";
-    case Operation::removeEntry:
-      return "removeEntry";
-  }
-  return "";
-}
-
 // A refused write is a failure, but for two that say that there was nothing to remove: the entry of the change log is
 // not there; a definition that has just been replaced is to be replaced once more, after which the method goes on.
 bool isHarmless(const RecordedWrite& write, bool isLast) {

@@ -74,6 +74,12 @@ std::string complaint(const CLI::ParseError& error, const std::deque<Found>& fou
   return "the command line cannot be understood: " + ldtr::printable(text);
 }
 
+// A lone "-" would make or look for a file of that name, where most people mean a standard stream.
+void refuseStream(const Command& command, const Found& found) {
+  if (found.value != "-" || std::string_view(found.option.help).find("- is standard") != std::string_view::npos) return;
+  refuse(&command, std::string(found.option.name) + " is '-', which is no file here; a file of that name is ./-");
+}
+
 Arguments parseOptions(const Command& command, const std::vector<std::string>& words, bool& help) {
   CLI::App parser;
   parser.set_help_flag();
@@ -106,6 +112,7 @@ Arguments parseOptions(const Command& command, const std::vector<std::string>& w
       if (each.option.valueName != nullptr && each.value.empty()) {
         refuse(&command, std::string(each.option.name) + " must not be empty");
       }
+      refuseStream(command, each);
       arguments.set(each.option.name, each.value);
     } else if (each.option.required) {
       refuse(&command, std::string(each.option.isPositional() ? "missing argument: " : "missing option: ") +

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "PrintableText.h"
+#include "StoreCodes.h"
 #include "TracedMethod.h"
 
 namespace tool {
@@ -14,22 +15,6 @@ namespace {
 
 using cfgstore::Operation;
 using cfgstore::Write;
-
-const char* operationName(Operation operation) {
-  switch (operation) {
-    case Operation::addValue:
-      return "addValue";
-    case Operation::delValue:
-      return "delValue";
-    case Operation::setValue:
-      return "setValue";
-    case Operation::addEntry:
-      return "addEntry";
-    case Operation::removeEntry:
-      return "removeEntry";
-  }
-  return "";
-}
 
 // A setting that the old configuration lacks has a null value and an empty list: there was nothing to carry.
 bool hasNothingToCarry(const Write& write) {

@@ -2,27 +2,13 @@
 
 #include <ostream>
 
-#include "Failure.h"
 #include "HeldSignals.h"
 #include "Outputs.h"
 #include "PrintableText.h"
+#include "StoreFailure.h"
 
 namespace tool {
 namespace {
-
-// Does what may be refused, and makes a failure of the command of it.
-template <class Work>
-auto asFailure(const Work& work) {
-  try {
-    return work();
-  } catch (const cfgstore::SaveRefused& error) {
-    throw Failure(ExitStatus::blocked, ldtr::printable(error.what()));
-  } catch (const cfgstore::RestoreError& error) {
-    throw Failure(ExitStatus::notUndone, ldtr::printable(error.what()));
-  } catch (const cfgstore::SaveError& error) {
-    throw Failure(ExitStatus::failed, ldtr::printable(error.what()));
-  }
-}
 
 // A file of its own may be read by nobody who may not read the configuration, which has passwords in it.
 unsigned permissionsAt(const cfgstore::ConfigStore& store, const std::string& target, unsigned permissions) {

@@ -9,15 +9,21 @@ namespace tool {
 namespace {
 
 // How the names of attributes end that hold secrets. "zor-slapdPwEncryption" and its like are settings.
-constexpr std::string_view kNameEnds[] = {"pw", "pwd", "passwd", "password", "passphrase", "pin", "secret", "key"};
+constexpr std::string_view kNameEnds[] = {"pw", "pwd", "passwd", "password", "phrase", "pin", "secret", "key"};
 
 // What is in the name of an attribute that holds secrets, and in a value that is one.
-constexpr std::string_view kNameParts[] = {"password", "passwd", "secret", "credential", "privatekey", "token"};
-constexpr std::string_view kValueParts[] = {"{sealed}", "{aes", "private key"};
+constexpr std::string_view kNameParts[] = {"password",   "passwd", "secret", "credential",
+                                           "privatekey", "token",  "pkcs12"};
+constexpr std::string_view kSealed[] = {"{sealed}", "{aes"};
+constexpr std::string_view kPrivateKey = "private key";
 
 // The same, where a setting or an argument of such a name follows: "DB_PASSWORD=...", "secret: ...".
-constexpr std::string_view kSettings[] = {"password", "passwd", "passphrase", "pwd",   "pw",
-                                          "pass",     "secret", "credential", "token", "key"};
+constexpr std::string_view kSettings[] = {"password", "passwd",   "phrase",     "pwd",   "pw",
+                                          "pass",     "secret",   "credential", "token", "authorization",
+                                          "passwort", "kennwort", "key"};
+
+// Words of arguments that a password follows behind a blank: "bindpw x", "-w x". None of them ends an ordinary word.
+constexpr std::string_view kArguments[] = {"pw", "pwd", "passwd", " -w"};
 
 // The schemes of passwords that are stored hashed or sealed, with something behind them: "{SSHA}...",
 // "{PBKDF2-SHA256}...". At the beginning of a value any scheme counts, inside of it those that begin so.
@@ -57,6 +63,17 @@ bool setsSecret(const std::string& text) {
   return false;
 }
 
+// The same with nothing but a blank between: "DB2PWD x", "-w x".
+bool handsOverSecret(const std::string& text) {
+  for (std::size_t blank = text.find(' '); blank != std::string::npos; blank = text.find(' ', blank + 1)) {
+    if (blank + 1 == text.size() || text[blank + 1] == ' ') continue;
+    const std::string_view before = std::string_view(text).substr(0, blank);
+    const auto isEnd = [&](std::string_view word) { return before.ends_with(word); };
+    if (std::any_of(std::begin(kArguments), std::end(kArguments), isEnd)) return true;
+  }
+  return false;
+}
+
 bool beginsWithOneOf(std::string_view text, std::span<const std::string_view> words) {
   return std::any_of(words.begin(), words.end(), [&](std::string_view word) { return text.starts_with(word); });
 }
@@ -82,18 +99,53 @@ bool hasUserInUrl(const std::string& value) {
   return at != std::string::npos && value.find(':', scheme + 3) < at;
 }
 
+// The characters without which a value cannot look like a secret: most values have few of them, and need no closer
+// look.
+struct Signs {
+  explicit Signs(std::string_view value) {
+    for (const char c : value) {
+      brace |= c == '{';
+      dollar |= c == '$';
+      colon |= c == ':';
+      equals |= c == '=';
+      blank |= c == ' ';
+    }
+  }
+  bool brace = false;
+  bool dollar = false;
+  bool colon = false;
+  bool equals = false;
+  bool blank = false;
+};
+
 }  // namespace
 
-bool isSecret(std::string_view attribute, std::string_view value) {
+NameSays nameSays(std::string_view attribute) {
   // Options behind a semicolon do not belong to the name.
   const std::string name = lowerCase(attribute.substr(0, attribute.find(';')));
-  if (std::find(std::begin(kOpenNames), std::end(kOpenNames), name) != std::end(kOpenNames)) return false;
-  const bool byName =
+  if (std::find(std::begin(kOpenNames), std::end(kOpenNames), name) != std::end(kOpenNames)) return NameSays::open;
+  const bool isSecret =
       contains(name, kNameParts) || std::any_of(std::begin(kNameEnds), std::end(kNameEnds),
                                                 [&](std::string_view end) { return name.ends_with(end); });
-  if (byName) return true;
+  return isSecret ? NameSays::secret : NameSays::nothing;
+}
+
+bool looksSecret(std::string_view value) {
+  const Signs signs(value);
+  const bool hasSign = signs.colon || signs.equals;
+  if (!signs.brace && !signs.dollar && !hasSign && !signs.blank) return false;
   const std::string text = lowerCase(value);
-  return contains(text, kValueParts) || setsSecret(text) || isHashed(text) || hasUserInUrl(text);
+  if (signs.blank && text.find(kPrivateKey) != std::string::npos) return true;
+  if (signs.blank && handsOverSecret(text)) return true;
+  if (signs.brace && contains(text, kSealed)) return true;
+  if (hasSign && setsSecret(text)) return true;
+  if ((signs.brace || signs.dollar) && isHashed(text)) return true;
+  return signs.colon && hasUserInUrl(text);
+}
+
+bool isSecret(std::string_view attribute, std::string_view value) {
+  const NameSays name = nameSays(attribute);
+  return name == NameSays::secret || (name == NameSays::nothing && looksSecret(value));
 }
 
 }  // namespace tool

@@ -43,4 +43,20 @@ const char* storeCodeText(int code) {
   return "a code of the store's own";
 }
 
+const char* operationName(cfgstore::Operation operation) {
+  switch (operation) {
+    case cfgstore::Operation::addValue:
+      return "addValue";
+    case cfgstore::Operation::delValue:
+      return "delValue";
+    case cfgstore::Operation::setValue:
+      return "setValue";
+    case cfgstore::Operation::addEntry:
+      return "addEntry";
+    case cfgstore::Operation::removeEntry:
+      return "removeEntry";
+  }
+  return "";
+}
+
 }  // namespace tool

@@ -13,6 +13,7 @@
 #include "FileRestore.h"
 #include "HeldSignals.h"
 #include "PrintableText.h"
+#include "StoreFailure.h"
 #include "migration/UndoRecord.h"
 #include "report/Sha256.h"
 
@@ -40,20 +41,6 @@ cfgstore::IsExpected expectationOf(const Step& step) {
     const std::string found = sha256(content);
     return found == step.sha256 || (!step.backup.empty() && found == step.backupSha256);
   };
-}
-
-// Runs what the store does, and makes a failure of the command of it.
-template <class Work>
-auto asFailure(const Work& work) {
-  try {
-    return work();
-  } catch (const cfgstore::SaveRefused& error) {
-    throw Failure(ExitStatus::blocked, ldtr::printable(error.what()));
-  } catch (const cfgstore::RestoreError& error) {
-    throw Failure(ExitStatus::notUndone, ldtr::printable(error.what()));
-  } catch (const cfgstore::SaveError& error) {
-    throw Failure(ExitStatus::failed, ldtr::printable(error.what()));
-  }
 }
 
 // Collects what stands against a step, so that all of it is told at once.

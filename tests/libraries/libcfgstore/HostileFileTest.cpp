@@ -283,6 +283,19 @@ TEST_P(HostileFile, IsReadAndChangedInLinearTime) { expectLinear(GetParam(), rea
 INSTANTIATE_TEST_SUITE_P(Of, HostileFile, testing::ValuesIn(kShapes),
                          [](const auto& shape) { return std::string(shape.param.name); });
 
+// An entry that comes and goes again and again leaves nothing behind that a search would have to pass.
+TEST(HostileEdits, OfOneEntryThatComesAndGoesCostTheSameEachTime) {
+  expectLinear({"", [](int n) { return std::string(size(n), '\n') + "dn: cn=c\ncn: c\n"; }},
+               [](const std::string& text) {
+                 TestStore store(text);
+                 for (std::size_t i = 0; i < 2 * text.size(); ++i) {
+                   ASSERT_EQ(store.addEntry("cn=e,cn=c", "e", "top", "x"), 0);
+                   ASSERT_EQ(store.removeEntry("cn=e,cn=c"), 0);
+                 }
+                 EXPECT_TRUE(store.text() == text);
+               });
+}
+
 const Shape kBadShapes[] = {
     {"LinesWithoutColons", [](int n) { return repeated(n, [](int) { return "bad\n"; }); }},
     {"LinesThatContinueNothing", [](int n) { return repeated(n, [](int) { return "\n x\n"; }); }},

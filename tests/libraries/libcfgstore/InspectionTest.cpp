@@ -61,6 +61,8 @@ const Sample kSamples[] = {
     {kRoot + "a:: YQBi\n", "4 zero-byte-in-value: a value of \"a\" holds a zero byte, which no setting can"},
     {" x\n\n" + kRoot,
      "1 nothing-to-continue: a line that begins with a blank, but there is none above that it could continue"},
+    {"version: 1\nversion: 1\n" + kRoot,
+     "2 misplaced-version: a version line; expected it once, above the first entry"},
     {"version: 2\n" + kRoot, "1 unknown-version: an LDIF version that is not known; expected \"version: 1\""},
     {kRoot + "dn: CN=A,CN=CONFIGURATION\nobjectClass: top\ncn: A\n",
      "4 dn-inside-entry: \"dn:\" in the middle of an entry; expected a blank line before it"},

@@ -203,7 +203,7 @@ const Refusal kRefusals[] = {
     {"two carriage returns", "dn: cn=a\nx: 1\r\r\n",
      "2: a carriage return without a line feed; expected line ends of one kind"},
     {"a second version line", "version: 1\nversion: 1\n\ndn: cn=a\n",
-     "2: an entry that does not begin with its DN; expected \"dn:\""},
+     "2: a version line; expected it once, above the first entry"},
     {"a version with a blank behind it", "version: 1 \n\ndn: cn=a\n",
      "1: an LDIF version that is not known; expected \"version: 1\""},
     {"a second byte-order mark", kMark + kMark + "dn: cn=a\n",

@@ -73,8 +73,10 @@ const BadFile kBadFiles[] = {
     {"a continuation below an empty line", "dn: CN=A\na: 1\n\n b\n",
      "4: a line that begins with a blank, but there is none above that it could continue"},
     {"an unknown version", "version: 2\n\ndn: CN=A\n", "1: an LDIF version that is not known; expected \"version: 1\""},
-    {"a version line after an entry", "dn: CN=A\n\nversion: 1\n",
-     "3: an entry that does not begin with its DN; expected \"dn:\""},
+    {"a version line after an entry", "dn: CN=A\n\nversion: 1\ndn: CN=B\ncn: B\n",
+     "3: a version line; expected it once, above the first entry"},
+    {"a carriage return in a folded line", "dn: CN=A\r\na: x\r\n y\rz\r\n",
+     "3: a carriage return without a line feed; expected line ends of one kind"},
     {"a change record", "dn: CN=A\nchangetype: delete\n",
      "2: a change record (\"changetype:\"); expected the content of an entry"},
     {"a control", "dn: CN=A\ncontrol: 1.2.3 true\n",
@@ -87,6 +89,13 @@ const BadFile kBadFiles[] = {
 
 TEST(LdifProblems, NamesTheLineAndWhatWasExpected) {
   for (const BadFile& bad : kBadFiles) EXPECT_THAT(problemsOf(bad.text), ElementsAre(bad.problem)) << bad.name;
+}
+
+TEST(LdifProblems, AVersionLineIsToldFromTheEntriesAroundIt) {
+  EXPECT_THAT(problemsOf("bad\nversion: b\ndn: CN=A\n\nversion: 1\ndn: CN=B\ncn: B\n"),
+              ElementsAre("1: no colon on this line; expected \"attribute: value\"",
+                          "2: a version line; expected it once, above the first entry",
+                          "5: a version line; expected it once, above the first entry"));
 }
 
 TEST(LdifProblems, CountsLinesAsAnEditorDoes) {

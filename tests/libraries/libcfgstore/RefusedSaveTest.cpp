@@ -128,6 +128,47 @@ TEST_F(RefusedSave, OfAFileThatAnotherProgramHasLocked) {
   EXPECT_EQ(refusal(m_path), "saved");
 }
 
+TEST_F(RefusedSave, OfAFileWhoseBackupCouldNotBeNamed) {
+  for (const std::size_t length : {std::size_t{235}, std::size_t{236}}) {
+    m_path = m_directory.write(std::string(length, 'n'), kText);
+    open();
+    EXPECT_EQ(refusal(m_path), length == 235 ? "saved" : m_path + ": its name is too long for one of a backup");
+  }
+}
+
+// A preview looks at a file for an instant: it is no writer, and in nobody's way.
+TEST_F(RefusedSave, DoesNotComeFromOthersWhoLook) {
+  open();
+  const int file = ::open(m_path.c_str(), O_RDONLY);
+  ASSERT_EQ(::flock(file, LOCK_SH), 0);
+  EXPECT_TRUE(store().checkSave(m_path)) << "two look at the same time";
+  std::thread looker([&] {
+    std::this_thread::sleep_for(std::chrono::milliseconds(15));
+    ::close(file);
+  });
+  EXPECT_NO_THROW(store().save(m_path, Backup::keep));
+  looker.join();
+}
+
+TEST_F(RefusedSave, ComesFromALookThatDoesNotEnd) {
+  open();
+  const int file = ::open(m_path.c_str(), O_RDONLY);
+  ASSERT_EQ(::flock(file, LOCK_SH), 0);
+  EXPECT_THROW(store().save(m_path, Backup::keep), SaveError);
+  ::close(file);
+  EXPECT_EQ(readFile(m_path), kText);
+}
+
+TEST_F(RefusedSave, IsForeseenWithoutKeepingALock) {
+  open();
+  ASSERT_TRUE(store().checkSave(m_path));
+  const int file = ::open(m_path.c_str(), O_RDONLY);
+  EXPECT_EQ(::flock(file, LOCK_EX | LOCK_NB), 0);
+  EXPECT_THROW(store().checkSave(m_path), SaveError) << "somebody writes";
+  ::close(file);
+  EXPECT_TRUE(store().checkSave(m_path));
+}
+
 TEST_F(RefusedSave, OfANewFileThatAnotherProgramIsWriting) {
   open();
   const std::string target = m_directory.file("new.ldif");

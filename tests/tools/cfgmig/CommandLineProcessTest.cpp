@@ -88,6 +88,8 @@ INSTANTIATE_TEST_SUITE_P(
         Wrong{{"apply", "--old", "", "--new", "n", "--from", "6.0"}, "--old must not be empty"},
         Wrong{{"dump"}, "missing argument: FILE"}, Wrong{{"check"}, "missing argument: FILE"},
         Wrong{{"rewrite", "f"}, "missing argument: OUT"},
+        Wrong{{"rewrite", "f", "-"}, "OUT is '-', which is no file here; a file of that name is ./-"},
+        Wrong{{"dump", "f", "-o", "-"}, "--output is '-', which is no file here"},
         Wrong{{"list", "f", "--max-size"}, "option --max-size needs a value: SIZE"},
         Wrong{{"list", "f", "--max-siez", "1"}, "unknown option '--max-siez' (did you mean --max-size?)"},
         Wrong{{"help", "--max-size", "1"}, "unknown option '--max-size'"},

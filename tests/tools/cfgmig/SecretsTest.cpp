@@ -11,7 +11,8 @@ using tool::isSecret;
 TEST(Secrets, AreTheValuesOfPasswordAndKeyAttributesInAnyLetterCase) {
   for (const char* name :
        {"zor-slapdAdminPW", "ZOR-SLAPDDBUSERPW", "zor-slapdMasterPW", "zor-slapdPeerPW", "zor-slapdKeyStorePW",
-        "userPassword", "userPassword;lang-de", "zor-slapdPrivateKey", "zor-apiToken", "zor-sharedSecret"}) {
+        "userPassword", "userPassword;lang-de", "zor-slapdPrivateKey", "zor-apiToken", "zor-sharedSecret",
+        "zor-slapdStashPhrase", "userPKCS12"}) {
     EXPECT_TRUE(isSecret(name, "x")) << name;
     EXPECT_TRUE(isSecret(name, "")) << name;
   }
@@ -28,7 +29,9 @@ TEST(Secrets, AreNotSettingsThatAreOnlyAboutPasswords) {
 
 TEST(Secrets, AreValuesThatSetOne) {
   for (const char* value : {"DB_PASSWORD=x", "ACME_TOKEN = x", "postoperation lib.so init host=a pw=x", "{sealed}x",
-                            "{AES256}x", "{\"secret\": \"x\"}", "ldap://reader:x@host:389/o=a", "API_KEY=x"}) {
+                            "{AES256}x", "{\"secret\": \"x\"}", "ldap://reader:x@host:389/o=a", "API_KEY=x", "DB2PWD x",
+                            "lib.so Init -w x", "lib.so Init \"bindpw x\"", "pass phrase: x", "Kennwort=x",
+                            "Authorization: Basic x"}) {
     EXPECT_TRUE(isSecret("zor-slapdSetenv", value)) << value;
   }
 }
@@ -48,7 +51,8 @@ TEST(Secrets, AreValuesThatAreHashedOrSealed) {
 TEST(Secrets, AreNotOrdinaryValues) {
   for (const char* value : {"", "=", ":", "LANG=C.UTF-8", "ldap://central.acme.example:389",
                             "preoperation  libzorldapcl.so CLInit cn=changelog", "mail=a@b", "/opt/acme/pki/ldap4.p12",
-                            "cn=crl reader,o=Acme", "http://host/x@y"}) {
+                            "cn=crl reader,o=Acme", "http://host/x@y", "lib.so -wide x", "Password rules of Acme",
+                            "pwd", "pw ", "ends with pw"}) {
     EXPECT_FALSE(isSecret("zor-slapdSetenv", value)) << value;
   }
 }

@@ -34,6 +34,7 @@ class Account {
   AuditedOldValue arrived(const Outcome& outcome) const;
   AuditedOldValue stayed(ValueId old) const;
   AuditedOldValue lost(ValueId old, AuditReason reason) const;
+  Id entryFor(ValueId old) const;
   Id placeOfSetting(ValueId old) const;
   ValueId standsFor(Id before) const;
   ValueId heldAt(Id attribute, std::string_view text) const;
@@ -86,14 +87,17 @@ void Account::tellResultValues() {
   }
 }
 
+// The entry of the result that an old value's entry goes to, kNone when there is none.
+Id Account::entryFor(ValueId old) const {
+  const Id target = m_prediction.targets[m_contents.old.attributeOf(m_contents.old.values()[old]).entry];
+  return target == kNone ? kNone : m_contents.result.findEntry(m_prediction.content.entries()[target].normal);
+}
+
 // The attribute of the result where the values of an old setting go with their entry, kNone when there is none.
 Id Account::placeOfSetting(ValueId old) const {
-  const Id attribute = m_contents.old.values()[old].attribute;
-  const SnapshotAttribute& setting = m_contents.old.attributes()[attribute];
-  const Id target = m_prediction.targets[setting.entry];
-  if (target == kNone) return kNone;
-  const Id entry = m_contents.result.findEntry(m_prediction.content.entries()[target].normal);
-  return entry == kNone ? kNone : m_contents.result.findAttribute(entry, setting.name);
+  const Id entry = entryFor(old);
+  if (entry == kNone) return kNone;
+  return m_contents.result.findAttribute(entry, m_contents.old.attributeOf(m_contents.old.values()[old]).name);
 }
 
 ValueId Account::heldAt(Id attribute, std::string_view text) const {
@@ -135,8 +139,10 @@ AuditedOldValue Account::arrived(const Outcome& outcome) const {
   return {outcome.isElsewhere ? ValueFate::moved : ValueFate::carried, AuditReason::arrived, place};
 }
 
-// What the new server held already is the same; otherwise the first of its own stands in its place.
+// What the new server held already is the same; otherwise the first of its own stands in its place. Nothing stands in
+// an entry that is not there.
 AuditedOldValue Account::stayed(ValueId old) const {
+  if (entryFor(old) == kNone) return {ValueFate::lost, AuditReason::missing};
   const Id attribute = placeOfSetting(old);
   if (attribute == kNone) return {ValueFate::keptNew, AuditReason::newStands};
   const ValueId held = heldAt(attribute, m_contents.old.values()[old].value);
@@ -201,6 +207,7 @@ void Account::tellOldValues() {
     const ValueId old = m_reconciliation.uncalledFor(result);
     if (old == kNoValue) continue;
     AuditedOldValue& row = m_audit.oldValues[old];
+    if (row.fate != ValueFate::lost && row.fate != ValueFate::dropped) continue;  // it has arrived where it should
     row = {goesElsewhere(old) ? ValueFate::moved : ValueFate::carried, AuditReason::uncalledFor, result};
   }
   shareWithRepeated();

@@ -137,6 +137,7 @@ Audit audit(const cfgstore::Snapshot& old, const cfgstore::Snapshot& before, con
 
 // In what an audit and the ledger of the same migration disagree: fate and place of old values, origin of the values of
 // the result and what they are from, and what was replaced by what; a line each, without values. Empty when they agree.
+// In an entry in which the ledger knows of a refused write only losses count, since its contents have several stories.
 std::vector<std::string> compareWithLedger(const Audit& audit, const Ledger& ledger);
 
 }  // namespace tool

@@ -170,8 +170,11 @@ Discrepancy::Kind Reconciliation::explain(const Attribute& attribute, Known& kno
                                           Discrepancy& discrepancy) {
   using Kind = Discrepancy::Kind;
   const std::string_view text = m_contents.result.values()[over].value;
-  if (attribute.should != kNone && m_content.findValue(attribute.should, text) != kNone) return Kind::repeatedValue;
-  if (const auto gone = known.gone.find(text); gone != known.gone.end() && !gone->second.empty()) {
+  const bool isRepeated = attribute.should != kNone && m_content.findValue(attribute.should, text) != kNone;
+  const auto gone = known.gone.find(text);
+  const bool wasThere = gone != known.gone.end() && !gone->second.empty();
+  // A line that the new configuration repeated itself may be there still; no migration repeats one.
+  if (wasThere && (!isRepeated || m_content.value(gone->second.back()).from.source == Source::before)) {
     const Id first = gone->second.back();
     gone->second.pop_back();
     const Content::Value& value = m_content.value(first);
@@ -182,6 +185,7 @@ Discrepancy::Kind Reconciliation::explain(const Attribute& attribute, Known& kno
     }
     return Kind::notReplaced;
   }
+  if (isRepeated) return Kind::repeatedValue;
   const auto old = known.notBrought.find(text);
   if (old == known.notBrought.end()) return Kind::unexplainedValue;
   m_uncalledFor[over] = old->second;

@@ -203,6 +203,10 @@ void Accounting::arrive(ValueId old, ValueId place, std::uint32_t event) {
   const bool samePlace = isSamePlace(old, place);
   row = {samePlace ? ValueOrigin::carried : ValueOrigin::moved, reason(methodOf(event), arrivalOf(event, samePlace)),
          old};
+  // A value that a rule set where the new server had it, and could not take out, arrives a second time.
+  if (m_ledger.resultValues[trail.place].origin != ValueOrigin::fromNew) return;
+  trail.place = place;
+  trail.arrived = event;
 }
 
 void Accounting::addedByRule(ValueId place, std::uint32_t event, Why why, ValueId partOf) {

@@ -1,5 +1,7 @@
 #include "report/Redaction.h"
 
+#include <unordered_map>
+
 #include "Base64.h"
 #include "PrintableText.h"
 #include "Secrets.h"
@@ -52,12 +54,19 @@ Redaction::Redaction(const Ledger& ledger, bool showSecrets) : m_ledger(&ledger)
 }
 
 void Redaction::markAll() {
+  std::unordered_map<std::string_view, NameSays> names;  // few names, many values
+  const auto says = [&](std::string_view name) {
+    const auto [place, isNew] = names.try_emplace(name, NameSays::nothing);
+    if (isNew) place->second = nameSays(name);
+    return place->second;
+  };
   for (std::size_t content = 0; content < kContents; ++content) {
     const cfgstore::Snapshot& snapshot = snapshotOf(*m_ledger, static_cast<Content>(content));
     std::vector<bool>& secret = m_secret[content];
     secret.reserve(snapshot.values().size());
     for (const cfgstore::SnapshotValue& value : snapshot.values()) {
-      secret.push_back(tool::isSecret(snapshot.attributeOf(value).name, value.value));
+      const NameSays name = says(snapshot.attributeOf(value).name);
+      secret.push_back(name == NameSays::secret || (name == NameSays::nothing && looksSecret(value.value)));
     }
   }
 }

@@ -5,6 +5,7 @@
 
 #include <filesystem>
 #include <functional>
+#include <set>
 
 #include "Audited.h"
 #include "ConfigFile.h"
@@ -67,6 +68,9 @@ RC_GTEST_PROP(LedgerAgreement, HoldsForEveryValueOfArbitraryConfigurations, ()) 
     for (const std::string& line : disagreements) RC_LOG() << line << '\n';
   }
   RC_ASSERT(disagreements.empty());
+  // With every write taken, what is missing is a fault of a rule, though both may agree that it is lost.
+  RC_ASSERT(both.audit.discrepancies.empty());
+  RC_ASSERT(tool::sumErrors(both.ledger).empty());
   RC_ASSERT(both.audit.fates == both.ledger.fates);
   RC_ASSERT(both.audit.origins == both.ledger.origins);
 }
@@ -85,6 +89,146 @@ RC_GTEST_PROP(LedgerAgreement, HoldsWhenSchemaFilesAreCopied, ()) {
   }
   RC_ASSERT(disagreements.empty());
   RC_ASSERT(both.audit.discrepancies.empty());
+}
+
+RC_GTEST_PROP(LedgerAgreement, HoldsWhicheverWritesAreRefused, ()) {
+  const std::string version = *rc::gen::element<std::string>("4.1", "5.1", "5.2", "6.0");
+  const std::string old = *randomConfiguration();
+  const std::string before = *randomConfiguration();
+  const auto refused = *rc::gen::container<std::set<int>>(rc::gen::inRange(0, 40));
+  int number = 0;
+  const Both both(version, old, before, {},
+                  [&](const cfgstore::Write&) { return refused.count(number++) > 0 ? 80 : 0; });
+  const std::vector<std::string> disagreements = tool::compareWithLedger(both.audit, both.ledger);
+  if (!disagreements.empty()) {
+    RC_LOG() << "version " << version << "\n--- old\n" << old << "--- before\n" << before;
+    for (const std::string& line : disagreements) RC_LOG() << line << '\n';
+  }
+  RC_ASSERT(disagreements.empty());
+  const std::vector<std::string> wrongSums = tool::sumErrors(both.ledger);
+  for (const std::string& line : wrongSums) RC_LOG() << line << '\n';
+  RC_ASSERT(wrongSums.empty());
+}
+
+// Refuses the writes with these numbers, counted from 0 over both configurations.
+Both::Gate refusing(std::set<int> numbers) {
+  return [=, number = 0](const cfgstore::Write&) mutable { return numbers.count(number++) > 0 ? 80 : 0; };
+}
+
+tool::ValueFate fateAt(const Both& both, std::size_t line) {
+  const auto values = both.ledger.old.values();
+  for (tool::ValueId value = 0; value < values.size(); ++value) {
+    if (values[value].line == line) return both.audit.oldValues[value].fate;
+  }
+  throw std::out_of_range("no value on line " + std::to_string(line));
+}
+
+constexpr const char* kRootOnly = "dn: cn=Configuration\nobjectClass: top\ncn: a\n";
+
+TEST(LedgerAgreement, CallsNothingTheNewServersOwnInAnEntryThatCouldNotBeAdded) {
+  const std::string old =
+      "dn: cn=Directory, cn=RDBM Backends, cn=ZOR Directory, cn=Schemas, cn=Configuration\nobjectClass: top\ncn: a\n\n"
+      "dn: cn=Directory, cn=RDBM Backends, cn=ZOR Halvorn, cn=Schemas, cn=Configuration\n"
+      "objectClass: top\n"  // 6
+      "cn: a\n\n" +
+      std::string(kRootOnly);
+  const Both both("5.1", old, kRootOnly, {}, refusing({0}));
+  EXPECT_THAT(tool::compareWithLedger(both.audit, both.ledger), IsEmpty());
+  EXPECT_EQ(fateAt(both, 6), tool::ValueFate::lost);
+  EXPECT_EQ(fateAt(both, 7), tool::ValueFate::lost);
+  EXPECT_EQ(both.audit.verdict(), tool::AuditVerdict::lost);
+}
+
+TEST(LedgerAgreement, KnowsALineThatTheNewConfigurationRepeatsAndARefusedWriteLeftThere) {
+  const std::string old = std::string(kRootOnly) + "zor-limit: 2\n";
+  const std::string before = std::string(kRootOnly) + "zor-limit: 1\nzor-limit: 2\nzor-limit: 2\n";
+  const Both both("5.1", old, before, {}, refusing({0}));
+  EXPECT_THAT(tool::compareWithLedger(both.audit, both.ledger), IsEmpty());
+  EXPECT_THAT(both.audit.replaced, IsEmpty());
+  EXPECT_EQ(both.audit.unexplained, 0U);
+  EXPECT_EQ(both.audit.verdict(), tool::AuditVerdict::lost);
+}
+
+// Its place is where the rule brings it; that it is there a second time is told all the same.
+TEST(LedgerAgreement, SaysOfAValueThatCameTwiceThatItIsWhereItsRuleBringsIt) {
+  const std::string replication = "\ndn: cn=Replication, cn=Configuration\nobjectClass: top\ncn: r\n";
+  const std::string old = std::string(kRootOnly) + "zor-slapdMaxPendingChangesDisplayed: 1\n";  // line 4
+  const Both both("6.0", old, kRootOnly + replication, {}, [](const cfgstore::Write& write) {
+    return write.operation == cfgstore::Operation::delValue ? 80 : 0;
+  });
+  EXPECT_THAT(tool::compareWithLedger(both.audit, both.ledger), IsEmpty());
+  EXPECT_EQ(fateAt(both, 4), tool::ValueFate::moved);
+  ASSERT_THAT(both.audit.discrepancies, SizeIs(1));
+  EXPECT_EQ(both.audit.discrepancies[0].kind, tool::Discrepancy::Kind::uncalledFor);
+}
+
+const std::string kOtherEntry = "\ndn: cn=Other, cn=Configuration\nobjectClass: top\ncn: Other\n";
+
+// A refused write in the main entry, and nothing unusual in the other one.
+Both withARefusal() {
+  return {"6.0",
+          kRootOnly + std::string("zor-slapdErrorLog: x\nzor-slapdPort: 1\n") + kOtherEntry + "zor-a: 1\nzor-b: 2\n",
+          kRootOnly + kOtherEntry + "zor-a: 9\n",
+          {},
+          [](const cfgstore::Write& write) { return write.attribute == "zor-slapdPort" ? 80 : 0; }};
+}
+
+bool isOfTheOther(const cfgstore::Snapshot& snapshot, std::size_t value) {
+  return snapshot.entryOf(snapshot.attributeOf(snapshot.values()[value])).normal == "CN=OTHER,CN=CONFIGURATION";
+}
+
+// Where nothing was refused, everything counts.
+TEST(LedgerAgreement, TellsEveryRowThatDiffersInEntriesThatTookAllWrites) {
+  Both both = withARefusal();
+  ASSERT_THAT(tool::compareWithLedger(both.audit, both.ledger), IsEmpty());
+  std::size_t compared = 0;
+  for (std::size_t i = 0; i < both.ledger.oldValues.size(); ++i) {
+    if (!isOfTheOther(both.ledger.old, i)) continue;
+    tool::OldValueRow& row = both.ledger.oldValues[i];
+    const tool::OldValueRow kept = row;
+    for (std::size_t fate = 0; fate < tool::kValueFates; ++fate) {
+      row.fate = static_cast<tool::ValueFate>(fate);
+      EXPECT_THAT(tool::compareWithLedger(both.audit, both.ledger), SizeIs(row.fate == kept.fate ? 0 : 1)) << fate;
+    }
+    row = kept;
+    ++compared;
+  }
+  for (std::size_t i = 0; i < both.ledger.resultValues.size(); ++i) {
+    if (!isOfTheOther(both.ledger.result, i)) continue;
+    tool::ResultValueRow& row = both.ledger.resultValues[i];
+    const tool::ResultValueRow kept = row;
+    row.origin = kept.origin == tool::ValueOrigin::moved ? tool::ValueOrigin::carried : tool::ValueOrigin::moved;
+    EXPECT_THAT(tool::compareWithLedger(both.audit, both.ledger), SizeIs(1));
+    row = kept;
+    ++row.from;
+    EXPECT_THAT(tool::compareWithLedger(both.audit, both.ledger), SizeIs(1));
+    row = kept;
+    ++compared;
+  }
+  EXPECT_EQ(compared, 8U);
+}
+
+// Where a write was refused, a loss that the audit does not see is told all the same.
+TEST(LedgerAgreement, TellsALossThatOnlyTheLedgerKnowsAlsoInAnEntryWithARefusedWrite) {
+  Both both = withARefusal();
+  const auto values = both.ledger.old.values();
+  std::size_t compared = 0;
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    if (isOfTheOther(both.ledger.old, i)) continue;
+    tool::OldValueRow& theirs = both.ledger.oldValues[i];
+    tool::AuditedOldValue& ours = both.audit.oldValues[i];
+    const auto before = std::pair(theirs, ours);
+    theirs.fate = tool::ValueFate::lost;
+    theirs.place = tool::kNoValue;
+    ours.place = tool::kNoValue;
+    for (const tool::ValueFate fate : {tool::ValueFate::same, tool::ValueFate::carried, tool::ValueFate::keptNew}) {
+      ours.fate = fate;
+      EXPECT_THAT(tool::compareWithLedger(both.audit, both.ledger), SizeIs(1));
+    }
+    std::tie(theirs, ours) = before;
+    ++compared;
+  }
+  EXPECT_EQ(compared, 4U);
 }
 
 // The comparison has to see what is different.

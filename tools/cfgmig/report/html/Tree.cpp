@@ -213,7 +213,11 @@ class Tree {
   }
 
   void writeTable(std::span<const Row> rows) {
-    m_out << "<table><thead><tr><th>Attribute<th>What happened<th>Old<th>New, before<th>Result</thead>\n<tbody>\n";
+    Words words = 0;
+    for (const Row& row : rows) words |= row.words;
+    m_out << "<table class=\"" << Classes{words}
+          << "\"><thead><tr><th>Attribute<th>What happened<th>Old<th>New, before<th>Result</thead>\n"
+             "<tbody>\n";
     for (const Row& row : rows) writeRow(row);
     m_out << "</table>\n";
   }

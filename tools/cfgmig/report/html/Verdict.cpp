@@ -65,6 +65,17 @@ void writeOutcome(Page& page) {
   if (!report.planPath.empty()) out << "<li>The plan is saved in <code>" << Text{report.planPath} << "</code>.\n";
 }
 
+// An option is never broken after its hyphens, where it would read as two.
+void writeCommand(std::ostream& out, std::string_view command) {
+  for (std::size_t at = 0; at < command.size();) {
+    const std::size_t option = std::min(command.find(" --", at), command.size());
+    out << Text{command.substr(at, option - at)};
+    if (option == command.size()) return;
+    at = std::min(command.find(' ', option + 1), command.size());
+    out << " <span class=\"opt\">" << Text{command.substr(option + 1, at - option - 1)} << "</span>";
+  }
+}
+
 }  // namespace
 
 void writeTitle(Page& page) {
@@ -103,7 +114,9 @@ void writeVerdict(Page& page) {
   if (!next.empty()) {
     out << "<div class=\"next\">\n<h2 id=\"next\">Next</h2>\n"
         << (isPlan(report) ? "<p>Carry out this plan:</p>" : "<p>Check the result from the files alone:</p>")
-        << "\n<code>" << Text{next} << "</code>\n</div>\n";
+        << "\n<code>";
+    writeCommand(out, next);
+    out << "</code>\n</div>\n";
   }
   out << "</div>";
 }

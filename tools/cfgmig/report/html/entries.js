@@ -60,11 +60,12 @@ const openTo = (element) => {
   return opened;
 };
 
-// Shows an entry or a row, marks it, and puts the keyboard there.
+// Shows an entry or a row, marks it, and puts the keyboard there. Filters that hide it go.
 const goTo = (element) => {
-  openTo(element);
   for (const marked of document.querySelectorAll('.here')) marked.classList.remove('here');
   element.classList.add('here');
+  openTo(element);
+  if (!element.checkVisibility()) window.cfgmig.clearFilters();
   const target = element.matches('details') ? element.querySelector('summary') : element;
   if (target === element) element.tabIndex = -1;
   target.focus({preventScroll: true});

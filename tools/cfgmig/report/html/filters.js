@@ -20,7 +20,8 @@ const update = async () => {
   document.dispatchEvent(new Event('filtered'));
   entries.className = ['card', 'entries', ...(ids.length ? ['only'] : []), ...ids.map((id) => `only-${id}`)].join(' ');
   acts.hidden = ids.length === 0;
-  for (const box of opened) box.open = false;
+  // What was gone to stays in sight.
+  for (const box of opened) box.open = box.matches('.here') || box.querySelector('.here') !== null;
   opened = [];
   state.textContent = shown.textContent = '';
   if (ids.length === 0) return;
@@ -40,6 +41,13 @@ const update = async () => {
   const rest = count > mostOpened ? `; the first ${mostOpened} are opened` : '';
   shown.textContent = `Only ${state.textContent}${rest}.`;
   await inSlices(first, (row) => opened.push(...openTo(rowOf(row))), isWanted);
+};
+
+// For somebody who is on the way to what the filters hide.
+window.cfgmig.clearFilters = () => {
+  for (const box of form.querySelectorAll('input:checked')) box.checked = false;
+  void update();
+  state.textContent = shown.textContent = 'The filters were cleared to show a place that they had hidden.';
 };
 
 form.addEventListener('change', update);

@@ -63,6 +63,8 @@ int main(int argc, char** argv) {
   bool areWritten = writeSample(directory + "/small.html", *sample::everyFate()) &&
                     writeSample(directory + "/hostile.html", *sample::hostile()) &&
                     writeSample(directory + "/large.html", *sample::ofSize(50000)) &&
+                    // All that only a large page has, and still quick to look at as a whole.
+                    writeSample(directory + "/many.html", *sample::ofSize(5000)) &&
                     writeSample(directory + "/same.html", *sample::allSame(), true) &&
                     writeSample(directory + "/lost.html", *sample::allLost(), true);
   for (const char* version : {"4.1", "5.1", "5.2", "6.0"}) {
