@@ -166,9 +166,9 @@ void Reader::readLine(std::string_view line) {
                    "a line that begins with a blank, but there is none above that it could continue");
   }
   if (const std::size_t at = m_hasReturns ? strayReturn(line) : kNone; at != kNone) {
-    problemOn(physicalLineOf(line, at), RemarkKind::strayReturn,
-              "a carriage return without a line feed; expected line ends of one kind");
-    return skip(line);
+    skip(line);
+    return problemOn(physicalLineOf(line, at), RemarkKind::strayReturn,
+                     "a carriage return without a line feed; expected line ends of one kind");
   }
   readNamed(line);
 }

@@ -91,6 +91,12 @@ TEST(LdifProblems, NamesTheLineAndWhatWasExpected) {
   for (const BadFile& bad : kBadFiles) EXPECT_THAT(problemsOf(bad.text), ElementsAre(bad.problem)) << bad.name;
 }
 
+TEST(LdifProblems, AreInTheOrderOfTheLinesAlsoInsideAFoldedOne) {
+  EXPECT_THAT(problemsOf("dn: CN=A\r\ndn: C\r\n N\r=B\r\n"),
+              ElementsAre("2: \"dn:\" in the middle of an entry; expected a blank line before it",
+                          "3: a carriage return without a line feed; expected line ends of one kind"));
+}
+
 TEST(LdifProblems, AVersionLineIsToldFromTheEntriesAroundIt) {
   EXPECT_THAT(problemsOf("bad\nversion: b\ndn: CN=A\n\nversion: 1\ndn: CN=B\ncn: B\n"),
               ElementsAre("1: no colon on this line; expected \"attribute: value\"",
