@@ -16,6 +16,7 @@
 #include "PrintableText.h"
 #include "Saving.h"
 #include "Tracing.h"
+#include "migration/AppliedBefore.h"
 #include "migration/Migration.h"
 #include "migration/MigrationRequest.h"
 #include "migration/ReportRequest.h"
@@ -32,41 +33,6 @@ MigrationRequest readRequest(const Arguments& arguments) {
 
 void tellAll(const std::vector<std::string>& lines, Console& console) {
   for (const std::string& line : lines) console.err << "cfgmig: " << line << '\n';
-}
-
-// The record of the target; one that cannot be read is as good as none here,
-// but it is told.
-std::optional<UndoRecord> recordOf(const std::string& target, Console& console) {
-  try {
-    return readUndoRecord(target);
-  } catch (const Failure& failure) {
-    tellAll(failure.lines(), console);
-    return std::nullopt;
-  }
-}
-
-bool sameDirectories(const std::optional<SchemaDirectories>& asked,
-                     const std::optional<MergeOptions::Schemas>& recorded) {
-  if (!asked || !recorded) return !asked && !recorded;
-  return std::filesystem::absolute(asked->search).string() == recorded->searchDirectory &&
-         asked->target == recorded->targetDirectory;
-}
-
-// Whether the new configuration is what this very migration has made of it
-// before. A rule may add something of its own each time, so merging again would
-// not show it.
-bool isApplied(const Migration& migration, Console& console) {
-  const MigrationRequest& request = migration.request();
-  if (request.target != request.newPath) return false;
-  const std::optional<UndoRecord> record = recordOf(request.target, console);
-  if (!record || record->sha256 != migration.newInput().sha256) return false;
-  if (record->oldFile.sha256 != migration.oldInput().sha256) return false;
-  if (!request.version.empty() && request.version != record->sourceVersion) return false;
-  if (request.plan && request.plan->newFile.sha256 != record->newFile.sha256 &&
-      request.plan->newFile.sha256 != record->sha256) {
-    return false;
-  }
-  return sameDirectories(request.schemas, record->schemas);
 }
 
 void refuseStalePlan(const Migration& migration) {
@@ -179,15 +145,14 @@ ExitStatus write(Migration& migration, const ReportRequest& reports, Report& rep
     report.outcome.backup = saved.backupPath;
     isWell &= afterwards([&] { noteForUndo(recordOf(migration, report, saved.backupPath)); }, console);
     isWell &= checkResult(migration, console);
-    isWell &= report.ledger.count(ValueFate::lost) == 0;
   } else {
     report.outcome.kind = Outcome::Kind::nothingToDo;
     isWell &= afterwards([&] { clearHalfUndoRecord(request.target); }, console);
   }
+  isWell &= report.ledger.count(ValueFate::lost) == 0;
   isWell &= afterwards([&] { saveReports(reports, report); }, console);
   tellLosses(report, console);
   showReport(reports, report, console);
-  if (schemas != nullptr && !reports.onOutput) schemas->tell(false, console.out);
   isWell &= missingOutputs(console).empty();
   return isWell ? ExitStatus::done : ExitStatus::lost;
 }
@@ -204,7 +169,6 @@ ExitStatus preview(Migration& migration, const ReportRequest& reports, Report& r
   saveReports(reports, report);
   tellLosses(report, console);
   showReport(reports, report, console);
-  if (migration.schemas() != nullptr && !reports.onOutput) migration.schemas()->tell(true, console.out);
   if (obstacle) throw Failure(*obstacle);
   return ExitStatus::done;
 }
@@ -221,22 +185,20 @@ ExitStatus runApply(const Arguments& arguments, Console& console) {
                              {request.planPath, "the plan"},
                              {request.traceFile, "the trace file"}};
   settleReports(reports, files);
-  const bool applied = isApplied(migration, console);
-  if (!applied) refuseStalePlan(migration);
-  startTracing(arguments);
   std::vector<std::string> warnings;
-  migration.merge(warnings, !applied);
-  tellAll(warnings, console);
-
-  Report report = migration.report(reports.showSecrets);
-  if (applied) {
-    report.outcome.kind = Outcome::Kind::nothingToDo;
+  const std::optional<UndoRecord> record = appliedBefore(migration, warnings);
+  if (!record) refuseStalePlan(migration);
+  startTracing(arguments);
+  if (record) {
     if (!arguments.has("--dry-run")) clearUp(request.target, console);
-    saveReports(reports, report);
-    tellLosses(report, console);
-    showReport(reports, report, console);
-    return ExitStatus::done;
+    const std::unique_ptr<Migration> replay = replayOf(migration, *record, warnings);
+    tellAll(warnings, console);
+    tellApplied(*record, replay.get(), reports, console);
+    return missingOutputs(console).empty() ? ExitStatus::done : ExitStatus::failed;
   }
+  migration.merge(warnings);
+  tellAll(warnings, console);
+  Report report = migration.report(reports.showSecrets);
   return arguments.has("--dry-run") ? preview(migration, reports, report, console)
                                     : write(migration, reports, report, console);
 }

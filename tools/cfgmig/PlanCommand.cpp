@@ -1,5 +1,7 @@
 // PlanCommand.cpp -- cfgmig plan.
 
+#include <memory>
+#include <optional>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -8,6 +10,7 @@
 #include "Failure.h"
 #include "Saving.h"
 #include "Tracing.h"
+#include "migration/AppliedBefore.h"
 #include "migration/Migration.h"
 #include "migration/MigrationRequest.h"
 #include "migration/ReportRequest.h"
@@ -37,6 +40,12 @@ ExitStatus runPlan(const Arguments& arguments, Console& console) {
   settleReports(reports, files);
   startTracing(arguments);
   std::vector<std::string> warnings;
+  if (const std::optional<UndoRecord> record = appliedBefore(migration, warnings)) {
+    const std::unique_ptr<Migration> replay = replayOf(migration, *record, warnings);
+    for (const std::string& warning : warnings) console.err << "cfgmig: " << warning << '\n';
+    tellApplied(*record, replay.get(), reports, console);
+    return ExitStatus::done;
+  }
   migration.merge(warnings);
   for (const std::string& warning : warnings) console.err << "cfgmig: " << warning << '\n';
 

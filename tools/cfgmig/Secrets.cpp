@@ -12,18 +12,18 @@ namespace {
 constexpr std::string_view kNameEnds[] = {"pw", "pwd", "passwd", "password", "phrase", "pin", "secret", "key"};
 
 // What is in the name of an attribute that holds secrets, and in a value that is one.
-constexpr std::string_view kNameParts[] = {"password",   "passwd", "secret", "credential",
-                                           "privatekey", "token",  "pkcs12"};
+constexpr std::string_view kNameParts[] = {"password", "passwd", "secret", "credential", "privatekey",
+                                           "token",    "pkcs12", "keytab", "cookie"};
 constexpr std::string_view kSealed[] = {"{sealed}", "{aes"};
 constexpr std::string_view kPrivateKey = "private key";
 
 // The same, where a setting or an argument of such a name follows: "DB_PASSWORD=...", "secret: ...".
 constexpr std::string_view kSettings[] = {"password", "passwd",   "phrase",     "pwd",   "pw",
                                           "pass",     "secret",   "credential", "token", "authorization",
-                                          "passwort", "kennwort", "key"};
+                                          "passwort", "kennwort", "pin",        "key"};
 
 // Words of arguments that a password follows behind a blank: "bindpw x", "-w x". None of them ends an ordinary word.
-constexpr std::string_view kArguments[] = {"pw", "pwd", "passwd", " -w"};
+constexpr std::string_view kArguments[] = {"pw", "pwd", "passwd", "--password", " -w"};
 
 // The schemes of passwords that are stored hashed or sealed, with something behind them: "{SSHA}...",
 // "{PBKDF2-SHA256}...". At the beginning of a value any scheme counts, inside of it those that begin so.

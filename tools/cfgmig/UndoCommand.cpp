@@ -12,6 +12,7 @@
 #include "Failure.h"
 #include "FileRestore.h"
 #include "HeldSignals.h"
+#include "Outputs.h"
 #include "PrintableText.h"
 #include "StoreFailure.h"
 #include "migration/UndoRecord.h"
@@ -107,7 +108,8 @@ ExitStatus runUndo(const Arguments& arguments, Console& console) {
     console.out << "  " << wordsFor(step) << '\n';
   }
   removeUndoRecord(file);
-  return ExitStatus::done;
+  return missingOutputs(console).empty() ? ExitStatus::done
+                                         : ExitStatus::lost;  // the file is back, and that is not told
 }
 
 }  // namespace tool

@@ -6,7 +6,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <filesystem>
+#include <iterator>
+#include <sstream>
 
 #include "ToolProcess.h"
 #include "Workspace.h"
@@ -320,7 +323,7 @@ class ApplyWithSchemas : public Schemas {
 TEST_F(ApplyWithSchemas, CopiesWhatTheResultIncludes) {
   const auto result = apply();
   EXPECT_EQ(result.status, 0) << result.err;
-  EXPECT_THAT(result.out, HasSubstr("    copied     my.at\n"));
+  EXPECT_THAT(result.out, HasSubstr("\n  schemas   1 copied\n"));
   EXPECT_THAT(m_files.read("new"), HasSubstr("zor-slapdIncludeSchema: " + m_new.path("my.at") + "\n"));
   EXPECT_EQ(m_new.read("my.at"), "attributes\n");
 }
@@ -329,7 +332,7 @@ TEST_F(ApplyWithSchemas, PreviewCopiesNothing) {
   const auto files = m_files.state();
   const auto result = apply({"-n"});
   EXPECT_EQ(result.status, 0) << result.err;
-  EXPECT_THAT(result.out, HasSubstr("    to copy    my.at\n"));
+  EXPECT_THAT(result.out, HasSubstr("\n  schemas   1 to-copy\n"));
   EXPECT_THAT(m_new.names(), IsEmpty());
   EXPECT_EQ(m_files.state(), files);
 }
@@ -338,8 +341,41 @@ TEST_F(ApplyWithSchemas, ExitsWithFiveWhenAFileIsMissing) {
   fs::remove(m_old.path("etc/my.at"));
   const auto result = apply();
   EXPECT_EQ(result.status, 5) << result.err;
-  EXPECT_THAT(result.out, HasSubstr("    not found  my.at\n"));
+  EXPECT_THAT(result.out, HasSubstr("\n  schemas   1 missing\n"));
+  EXPECT_THAT(result.err, HasSubstr("cfgmig: schema file my.at: not found\n"));
   EXPECT_THAT(result.out, StartsWith("Applied a 6.0 configuration.\n"));
+}
+
+// Its account is that of the apply, and what the next command is told to be is true.
+TEST_F(ApplyWithSchemas, HasNothingToDoTheSecondTime) {
+  ASSERT_EQ(apply().status, 0);
+  const auto files = m_files.state();
+  const auto copies = m_new.state();
+  const auto second = apply();
+  EXPECT_EQ(second.status, 0) << second.err;
+  EXPECT_THAT(second.out, StartsWith("Nothing to do: "));
+  EXPECT_THAT(second.out, HasSubstr("\n  schemas   1 present\n"));
+  EXPECT_EQ(m_files.state(), files);
+  EXPECT_EQ(m_new.state(), copies);
+}
+
+TEST_F(ApplyWithSchemas, NamesTheDirectoryInTheCommandThatAuditsTheResult) {
+  const auto result = apply();
+  const std::string next = result.out.substr(result.out.find("  next      cfgmig ") + 19);
+  std::istringstream words(next);
+  EXPECT_EQ(runTool({std::istream_iterator<std::string>(words), {}}).status, 0) << next;
+}
+
+// However many files do not come along, the summary is one.
+TEST_F(ApplyWithSchemas, SumsUpInFifteenLines) {
+  std::string text = std::string(kHead) + "zor-slapdSchemaAdditions: a\n";
+  for (int i = 0; i < 40; ++i) text += "zor-slapdIncludeSchema: /opt/x/none" + std::to_string(i) + ".at\n";
+  m_files.write("old", text);
+  const auto result = apply();
+  EXPECT_EQ(result.status, 5);
+  EXPECT_LE(std::count(result.out.begin(), result.out.end(), '\n'), 15) << result.out;
+  EXPECT_THAT(result.out, HasSubstr("\n  schemas   40 missing\n"));
+  EXPECT_THAT(result.err, HasSubstr("cfgmig: and 20 more schema files; see --format text\n"));
 }
 
 TEST_F(ApplyWithSchemas, TakesTheCopiesBackWhenTheResultCannotBeSaved) {

@@ -12,7 +12,7 @@ TEST(Secrets, AreTheValuesOfPasswordAndKeyAttributesInAnyLetterCase) {
   for (const char* name :
        {"zor-slapdAdminPW", "ZOR-SLAPDDBUSERPW", "zor-slapdMasterPW", "zor-slapdPeerPW", "zor-slapdKeyStorePW",
         "userPassword", "userPassword;lang-de", "zor-slapdPrivateKey", "zor-apiToken", "zor-sharedSecret",
-        "zor-slapdStashPhrase", "userPKCS12"}) {
+        "zor-slapdStashPhrase", "userPKCS12", "krbKeytab", "cookie"}) {
     EXPECT_TRUE(isSecret(name, "x")) << name;
     EXPECT_TRUE(isSecret(name, "")) << name;
   }
@@ -31,7 +31,7 @@ TEST(Secrets, AreValuesThatSetOne) {
   for (const char* value : {"DB_PASSWORD=x", "ACME_TOKEN = x", "postoperation lib.so init host=a pw=x", "{sealed}x",
                             "{AES256}x", "{\"secret\": \"x\"}", "ldap://reader:x@host:389/o=a", "API_KEY=x", "DB2PWD x",
                             "lib.so Init -w x", "lib.so Init \"bindpw x\"", "pass phrase: x", "Kennwort=x",
-                            "Authorization: Basic x"}) {
+                            "Authorization: Basic x", "init pin=x", "lib.so --password x"}) {
     EXPECT_TRUE(isSecret("zor-slapdSetenv", value)) << value;
   }
 }

@@ -58,7 +58,8 @@ struct PlanAnswer {
   std::vector<ToldEvent> events;                            // in the order of what happened
   std::size_t hidden = 0;  // values that might be the one that was asked for, were they not secrets
 
-  bool isEmpty() const { return entries.empty() && values.empty() && events.empty(); }
+  // An entry without the attribute or the value that was asked for is no answer.
+  bool isEmpty() const { return values.empty() && events.empty() && (entries.empty() || !query.attribute.empty()); }
 };
 
 // Answers the first of the readings that the report at `path` has an entry for; an empty answer when there is none.

@@ -82,6 +82,7 @@ void settleReports(const ReportRequest& request, std::span<const NamedFile> file
     if (const std::string why = whyNoTarget(report.path); !why.empty()) {
       throw Failure(ExitStatus::failed, ldtr::printable(report.path) + ": cannot be written: " + why);
     }
+    refuseForeignFile(report.path);
   }
 }
 
@@ -93,6 +94,26 @@ void showReport(const ReportRequest& request, const Report& report, Console& con
   if (request.onOutput) return writeReport(report, *request.onOutput, console.out);
   const bool isTerminal = &console.out == &std::cout && wantsColours(STDOUT_FILENO);
   writeSummary(report, isTerminal, console.out);
+}
+
+void tellApplied(const UndoRecord& record, const Migration* replay, const ReportRequest& request, Console& console) {
+  if (replay != nullptr) {
+    Report report = replay->report(request.showSecrets);
+    report.outcome.kind = Outcome::Kind::nothingToDo;
+    for (const ReportRequest::InFile& file : request.files) {
+      if (file.format == Format::json) report.planPath = file.path;
+    }
+    saveReports(request, report);
+    tellLosses(report, console);
+    return showReport(request, report, console);
+  }
+  const std::string target = ldtr::printable(record.target);
+  if (request.onOutput || !request.files.empty()) {
+    throw Failure(ExitStatus::failed, target + ": there is nothing to do, and no account of the apply of " +
+                                          ldtr::printable(record.time) + " any more: its backup, " +
+                                          ldtr::printable(record.backup) + ", does not give this result");
+  }
+  console.out << "Nothing to do: " << target << " is what the apply of " << ldtr::printable(record.time) << " made.\n";
 }
 
 void tellLosses(const Report& report, Console& console) {
@@ -109,6 +130,15 @@ void tellLosses(const Report& report, Console& console) {
                 << ": lost: " << report.redaction.words(finding.what) << '\n';
   }
   if (losses > kMost) console.err << "cfgmig: and " << losses - kMost << " more; see --format text\n";
+
+  std::size_t files = 0;
+  for (const SchemaFile& file : report.outcome.schemas) {
+    const bool isMissing = file.fate == SchemaFile::Fate::missing;
+    if ((!isMissing && file.fate != SchemaFile::Fate::notCopied) || ++files > kMost) continue;
+    console.err << "cfgmig: schema file " << ldtr::printable(file.source)
+                << (isMissing ? ": not found" : ": not copied: " + ldtr::printable(file.why)) << '\n';
+  }
+  if (files > kMost) console.err << "cfgmig: and " << files - kMost << " more schema files; see --format text\n";
 }
 
 }  // namespace tool

@@ -10,6 +10,8 @@
 
 #include "Commands.h"
 #include "Target.h"
+#include "migration/Migration.h"
+#include "migration/UndoRecord.h"
 #include "report/Report.h"
 
 namespace tool {
@@ -39,7 +41,12 @@ void saveReports(const ReportRequest& request, const Report& report);
 // Writes the report that standard output is to have, or the summary.
 void showReport(const ReportRequest& request, const Report& report, Console& console);
 
-// Names on standard error what was lost, or would be, with its line in the old configuration; at most 20 lines.
+// Tells that the target holds the result of the apply of `record` already, with the account of `replay`. Without one,
+// nothing but that is told, and reports that are asked for are refused: throws Failure with ExitStatus::failed.
+void tellApplied(const UndoRecord& record, const Migration* replay, const ReportRequest& request, Console& console);
+
+// Names on standard error what was lost, or would be, with its line in the old configuration, and the schema files that
+// did not come along; at most 20 lines of each.
 void tellLosses(const Report& report, Console& console);
 
 }  // namespace tool

@@ -117,7 +117,9 @@ std::string environment(const char* name) {
 // Where programs keep what they know from one run to the next. Not beside the configuration, whose directory belongs to
 // its server.
 std::string stateDirectory() {
-  if (const std::string given = environment("CFGMIG_STATE_DIRECTORY"); !given.empty()) return given;
+  if (const char* const given = std::getenv("CFGMIG_STATE_DIRECTORY"); given != nullptr && given[0] != '\0') {
+    return std::filesystem::absolute(given).string();
+  }
   if (::geteuid() == 0) return "/var/lib/cfgmig";
   if (const std::string state = environment("XDG_STATE_HOME"); !state.empty()) return state + "/cfgmig";
   return environment("HOME") + "/.local/state/cfgmig";

@@ -73,10 +73,10 @@ std::string nextCommand(const Report& report) {
       const std::string& before = isInPlace ? report.outcome.backup : newFile->path;
       if (before.empty()) return {};
       CommandText verify("verify");
-      return verify.option("--old", oldFile->path)
-          .option("--before", before)
-          .option("--result", report.options.target)
-          .text();
+      verify.option("--old", oldFile->path).option("--before", before).option("--result", report.options.target);
+      verify.option("--from", report.options.from);
+      if (report.options.schemas) verify.option("--target-dir", report.options.schemas->targetDirectory);
+      return verify.text();
     }
     case Outcome::Kind::plan:
       break;

@@ -123,6 +123,9 @@ void writeSummary(const Report& report, bool colours, std::ostream& out);
 // file (a pipe) is written to as it is. Throws Failure with ExitStatus::failed; what was at `path` is then unchanged.
 void saveReport(const Report& report, Format format, const std::string& path);
 
+// What saveReport would refuse of a file that is there already: throws the same, and changes nothing.
+void refuseForeignFile(const std::string& path);
+
 // The first words of every report, in whatever a comment is in its format.
 inline constexpr std::string_view kReportMark = "cfgmig report";
 

@@ -120,6 +120,14 @@ std::string resolved(const std::string& path) {
 
 }  // namespace
 
+void refuseForeignFile(const std::string& path) {
+  struct stat status {};
+  if (::stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) return;
+  const cfgstore::Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+  if (!file) fail(path, why(errno));
+  if (!isReplaceable(file.get())) fail(path, "there is a file that is no report of cfgmig; remove it first");
+}
+
 void saveReport(const Report& report, Format format, const std::string& path) {
   struct stat status {};
   const bool exists = ::stat(path.c_str(), &status) == 0;
@@ -130,11 +138,7 @@ void saveReport(const Report& report, Format format, const std::string& path) {
     if (const int error = writeTo(file.get(), report, format); error != 0) fail(path, why(error));
     return;
   }
-  if (exists) {
-    const cfgstore::Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
-    if (!file) fail(path, why(errno));
-    if (!isReplaceable(file.get())) fail(path, "there is a file that is no report of cfgmig; remove it first");
-  }
+  refuseForeignFile(path);
   Draft draft(resolved(path));
   if (const int error = writeTo(draft.descriptor(), report, format); error != 0) fail(path, why(error));
   draft.putInPlace();

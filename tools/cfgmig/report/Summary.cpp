@@ -7,6 +7,7 @@
 //     old       412 values: 120 same, 75 carried, 10 moved, 20 dropped, 185 kept-new
 //     result    500 values: 370 new, 120 carried, 10 moved
 //     replaced  47 values of the new server
+//     schemas   2 copied, 1 missing
 //     target    /etc/zor/zor.conf
 //     next      cfgmig apply plan.json
 
@@ -118,8 +119,21 @@ Lines linesOfSums(const Report& report) {
   return lines;
 }
 
+// "2 copied, 1 present, 37 missing"; the files themselves are in the report.
+std::string schemasOf(const Report& report) {
+  std::string text;
+  for (const SchemaFile::Fate fate : {SchemaFile::Fate::toCopy, SchemaFile::Fate::copied, SchemaFile::Fate::present,
+                                      SchemaFile::Fate::notCopied, SchemaFile::Fate::missing}) {
+    const auto count = std::count_if(report.outcome.schemas.begin(), report.outcome.schemas.end(),
+                                     [&](const SchemaFile& file) { return file.fate == fate; });
+    if (count > 0) text += (text.empty() ? "" : ", ") + std::to_string(count) + " " + nameOf(fate);
+  }
+  return text.empty() ? "none but the server's own are included" : text;
+}
+
 Lines linesOfFiles(const Report& report) {
   Lines lines;
+  if (report.options.schemas) add(lines, "schemas", schemasOf(report));
   if (!report.recognisedFrom.empty()) {
     add(lines, "version",
         ldtr::printable(report.ledger.sourceVersion) + ", recognised from " + ldtr::printable(report.recognisedFrom));
