@@ -266,6 +266,24 @@ TEST_F(AtomicFileFault, ComparesTheContentImmediatelyBeforeTheFileIsReplaced) {
   }
 }
 
+// What a power failure leaves: the content is on the disk before it gets its name, and the names before it is told.
+TEST_F(AtomicFileFault, BringsTheContentToTheDiskBeforeItsNameAndTheNameBeforeItIsTold) {
+  for (const Backup backup : {Backup::none, Backup::keep}) {
+    prepare(Target::source);
+    FaultyFileSystem files;
+    ASSERT_TRUE(save(files, backup)) << m_error;
+    if (backup == Backup::keep) {
+      EXPECT_THAT(files.order(), ElementsAre("write", "sync file", "link", "rename", "sync directory"));
+    } else {
+      EXPECT_THAT(files.order(), ElementsAre("write", "sync file", "link", "rename", "sync directory", "unlink"));
+    }
+  }
+  prepare(Target::none);
+  FaultyFileSystem files;
+  ASSERT_TRUE(save(files, Backup::keep)) << m_error;
+  EXPECT_THAT(files.order(), ElementsAre("write", "sync file", "rename", "sync directory"));
+}
+
 TEST_F(AtomicFileFault, NoticesAFileThatIsReplacedWhileItIsOpened) {
   prepare(Target::source);
   FaultyFileSystem files;

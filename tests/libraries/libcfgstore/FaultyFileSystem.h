@@ -3,12 +3,15 @@
 #ifndef CFGMIG_TESTS_LIBCFGSTORE_FAULTYFILESYSTEM_H
 #define CFGMIG_TESTS_LIBCFGSTORE_FAULTYFILESYSTEM_H
 
+#include <sys/stat.h>
+
 #include <cerrno>
 #include <csignal>
 #include <functional>
 #include <set>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "FileSystem.h"
 
@@ -44,6 +47,9 @@ class FaultyFileSystem : public FileSystem {
   bool hasFailed() const { return !m_failedCall.empty(); }
   const std::string& failedCall() const { return m_failedCall; }  // number and name
   int calls() const { return m_calls; }
+  // What lasts was made in this order: "write", "sync file", "rename", "link", "unlink", "sync directory"; the same
+  // several times in a row is there once.
+  const std::vector<std::string>& order() const { return m_order; }
   int openFiles() const { return m_openFiles; }
 
   int open(const char* path, int flags, mode_t mode) override {
@@ -63,13 +69,17 @@ class FaultyFileSystem : public FileSystem {
   }
   ssize_t write(int file, const void* from, std::size_t size) override {
     if (fails("write")) return -1;
+    note("write");
     const std::string other(shortened(size), '?');
     return m_real.write(file, m_corrupt ? other.data() : from, other.size());
   }
   // Does not wait for the disk: what these tests look at is what the system shows, and they save thousands of times.
   int fsync(int file) override {
     struct stat status {};
-    return fails("fsync") ? -1 : m_real.fstat(file, &status);
+    if (fails("fsync")) return -1;
+    const int rc = m_real.fstat(file, &status);
+    note(rc == 0 && S_ISDIR(status.st_mode) ? "sync directory" : "sync file");
+    return rc;
   }
   int fstat(int file, struct stat* status) override { return fails("fstat") ? -1 : m_real.fstat(file, status); }
   int lstat(const char* path, struct stat* status) override { return fails("lstat") ? -1 : m_real.lstat(path, status); }
@@ -78,12 +88,16 @@ class FaultyFileSystem : public FileSystem {
     return fails("fchown") ? -1 : m_real.fchown(file, owner, group);
   }
   int flock(int file, int operation) override { return fails("flock") ? -1 : m_real.flock(file, operation); }
-  int rename(const char* from, const char* to) override { return fails("rename") ? -1 : m_real.rename(from, to); }
-  int renameNoReplace(const char* from, const char* to) override {
-    return fails("renameNoReplace") ? -1 : m_real.renameNoReplace(from, to);
+  int rename(const char* from, const char* to) override {
+    return fails("rename") ? -1 : (note("rename"), m_real.rename(from, to));
   }
-  int link(const char* from, const char* to) override { return fails("link") ? -1 : m_real.link(from, to); }
-  int unlink(const char* path) override { return fails("unlink") ? -1 : m_real.unlink(path); }
+  int renameNoReplace(const char* from, const char* to) override {
+    return fails("renameNoReplace") ? -1 : (note("rename"), m_real.renameNoReplace(from, to));
+  }
+  int link(const char* from, const char* to) override {
+    return fails("link") ? -1 : (note("link"), m_real.link(from, to));
+  }
+  int unlink(const char* path) override { return fails("unlink") ? -1 : (note("unlink"), m_real.unlink(path)); }
   int access(const char* path, int mode) override { return fails("access") ? -1 : m_real.access(path, mode); }
   int statvfs(const char* path, struct statvfs* status) override {
     return fails("statvfs") ? -1 : m_real.statvfs(path, status);
@@ -115,6 +129,9 @@ class FaultyFileSystem : public FileSystem {
     errno = stopped ? EIO : m_error;
     return true;
   }
+  void note(const char* what) {
+    if (m_order.empty() || m_order.back() != what) m_order.emplace_back(what);
+  }
   std::size_t shortened(std::size_t size) const { return m_short && size > 1 ? 1 : size; }
 
   FileSystem& m_real = FileSystem::real();
@@ -126,6 +143,7 @@ class FaultyFileSystem : public FileSystem {
   std::set<std::string> m_failNames;
   bool m_short = false;
   bool m_corrupt = false;
+  std::vector<std::string> m_order;
   std::string m_beforeName;
   std::function<void()> m_action;
   std::string m_failedCall;
