@@ -59,7 +59,7 @@ std::vector<std::string> Migration::staleInputs() const {
   return lines;
 }
 
-void Migration::merge(std::vector<std::string>& warnings, bool copySchemas) {
+void Migration::merge(std::vector<std::string>& warnings) {
   readInventory(*m_old);
   const SourceVersion source = sourceVersionOf(*m_old->getCfgUtils(), m_request.oldPath, m_request.version);
   warnings.insert(warnings.end(), source.warnings.begin(), source.warnings.end());
@@ -69,7 +69,7 @@ void Migration::merge(std::vector<std::string>& warnings, bool copySchemas) {
 
   LedgerBuilder builder(*m_old, *m_new, source.version);
   builder.merge();
-  if (m_request.schemas && copySchemas) {
+  if (m_request.schemas) {
     builder.cleanUpBy(traced::kCheckSchemaFiles);
     m_schemas.emplace(*m_new, *m_request.schemas);
     const NamedFile notToReplace[] = {{m_request.oldPath, "the old configuration"},

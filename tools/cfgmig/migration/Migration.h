@@ -30,9 +30,9 @@ class Migration {
   // A line for each input that is not what the plan was made from; empty without a plan.
   std::vector<std::string> staleInputs() const;
 
-  // Merges in memory. Lines that warn go to `warnings`. With `copySchemas`, the schema files that the request names
-  // directories for are staged. Throws Failure, also when the account of the values does not add up.
-  void merge(std::vector<std::string>& warnings, bool copySchemas = true);
+  // Merges in memory. Lines that warn go to `warnings`. The schema files that the request names directories for are
+  // staged. Throws Failure, also when the account of the values does not add up.
+  void merge(std::vector<std::string>& warnings);
 
   const Ledger& ledger() const { return *m_ledger; }
   cfgstore::ConfigStore& oldStore() const { return storeOf(*m_old); }
