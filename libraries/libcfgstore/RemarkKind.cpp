@@ -86,7 +86,7 @@ static_assert(isInOrder());
 
 }  // namespace
 
-std::span<const RemarkKindInfo> remarkKinds() { return kTable; }
+const std::array<RemarkKindInfo, kRemarkKinds>& remarkKinds() { return kTable; }
 
 const RemarkKindInfo& infoOf(RemarkKind kind) { return kTable[static_cast<std::size_t>(kind)]; }
 

@@ -6,9 +6,9 @@
 #ifndef CFGMIG_LIBCFGSTORE_REMARKKIND_H
 #define CFGMIG_LIBCFGSTORE_REMARKKIND_H
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
-#include <span>
 #include <string_view>
 
 namespace cfgstore {
@@ -69,6 +69,7 @@ enum class RemarkKind : std::uint8_t {
   namingValueMissing
 };
 
+// How many there are.
 constexpr std::size_t kRemarkKinds = static_cast<std::size_t>(RemarkKind::namingValueMissing) + 1;
 
 struct RemarkKindInfo {
@@ -79,8 +80,9 @@ struct RemarkKindInfo {
 };
 
 // All kinds, in the order of the enumeration.
-std::span<const RemarkKindInfo> remarkKinds();
+const std::array<RemarkKindInfo, kRemarkKinds>& remarkKinds();
 
+// The one of a kind.
 const RemarkKindInfo& infoOf(RemarkKind kind);
 
 }  // namespace cfgstore
