@@ -1,8 +1,8 @@
 #include "CommandLine.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
-#include <deque>
+#include <cctype>
+#include <optional>
 #include <string_view>
 
 #include "Failure.h"
@@ -34,105 +34,171 @@ Invocation helpOn(const std::string& command) {
   return invocation;
 }
 
-// A word that no option takes.
-[[noreturn]] void refuseWord(const Command& command, const std::string& word) {
-  if (word.size() < 2 || word.front() != '-') refuse(&command, "unexpected argument " + inQuotes(word));
-  std::vector<std::string> known = {kHelpForm};
-  for (const Option& option : optionsOf(command)) {
-    if (!option.isPositional()) known.emplace_back(option.name);
-  }
-  const std::string name = word.substr(0, word.find('='));
-  refuse(&command, withSuggestion("unknown option " + inQuotes(name), name, known));
+bool looksLikeOption(std::string_view word) { return word.size() > 1 && word.front() == '-'; }
+
+std::string lowerCase(std::string text) {
+  for (char& c : text) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  return text;
 }
 
-// One option of the table and what the parser found for it.
-struct Found {
-  const Option& option;
-  std::string value;
-  bool flag = false;
-  CLI::Option* parsed = nullptr;
+// Reads the words behind a command, once from the first to the last. Each mistake is told with Failure.
+class Reading {
+ public:
+  Reading(const Command& command, const std::vector<std::string>& words)
+      : m_command(command), m_options(optionsOf(command)), m_words(words) {}
 
-  bool isGiven() const { return parsed->count() > 0; }
-};
-
-std::string parserName(const Option& option) {
-  const std::string shortForm = option.shortName == 0 ? std::string() : std::string{'-', option.shortName, ','};
-  return shortForm + option.name;
-}
-
-// The parser's own complaint names the option and then speaks of types, so only the name is taken from it.
-std::string complaint(const CLI::ParseError& error, const std::deque<Found>& found) {
-  const std::string_view text = error.what();
-  for (const Found& each : found) {
-    const std::string_view name = each.option.name;
-    if (!text.starts_with(name) && !text.starts_with(name.substr(name.find_first_not_of('-')))) continue;
-    if (each.option.valueName == nullptr) return std::string("option ") + each.option.name + " takes no value";
-    const bool twice = text.find("received") != std::string_view::npos;
-    return std::string("option ") + each.option.name +
-           (twice ? " is given more than once" : std::string(" needs a value: ") + each.option.valueName);
-  }
-  return "the command line cannot be understood: " + ldtr::printable(text);
-}
-
-// A lone "-" would make or look for a file of that name, where most people mean a standard stream.
-void refuseStream(const Command& command, const Found& found) {
-  if (found.value != "-" || std::string_view(found.option.help).find("- is standard") != std::string_view::npos) return;
-  refuse(&command, std::string(found.option.name) + " is '-', which is no file here; a file of that name is ./-");
-}
-
-Arguments parseOptions(const Command& command, const std::vector<std::string>& words, bool& help) {
-  CLI::App parser;
-  parser.set_help_flag();
-  parser.allow_extras();
-  const CLI::Option* helpFlag = parser.add_flag("-h,--help");
-  const std::vector<Option> options = optionsOf(command);
-  std::deque<Found> found;
-  for (const Option& option : options) {
-    Found& each = found.emplace_back(Found{option, {}});
-    each.parsed = option.valueName == nullptr ? parser.add_flag(parserName(option), each.flag)->disable_flag_override()
-                                              : parser.add_option(parserName(option), each.value);
+  Arguments arguments() {
+    while (m_next < m_words.size()) readWord(m_words[m_next++]);
+    for (const Option& option : m_options) refuseMissing(option);
+    for (const Option& option : m_options) refuseUnfitting(option);
+    return m_arguments;
   }
 
-  try {
-    parser.parse(std::vector<std::string>(words.rbegin(), words.rend()));
-  } catch (const CLI::ParseError& error) {
-    refuse(&command, complaint(error, found));
-  }
-  help = helpFlag->count() > 0;
-  if (help) return {};
-
-  std::vector<std::string> rest = parser.remaining();
-  const auto separator = std::find(rest.begin(), rest.end(), "--");
-  if (separator != rest.end()) rest.erase(separator);
-  if (!rest.empty()) refuseWord(command, rest.front());
-
-  Arguments arguments;
-  for (const Found& each : found) {
-    if (each.isGiven()) {
-      if (each.option.valueName != nullptr && each.value.empty()) {
-        refuse(&command, std::string(each.option.name) + " must not be empty");
-      }
-      refuseStream(command, each);
-      arguments.set(each.option.name, each.value);
-    } else if (each.option.required) {
-      refuse(&command, std::string(each.option.isPositional() ? "missing argument: " : "missing option: ") +
-                           each.option.name +
-                           (each.option.isPositional() ? "" : std::string(" ") + each.option.valueName));
+ private:
+  void readWord(const std::string& word) {
+    if (m_isOnlyArguments || !looksLikeOption(word)) {
+      readArgument(word);
+    } else if (word == "--") {
+      m_isOnlyArguments = true;
+    } else if (word[1] == '-') {
+      readLongForm(word);
+    } else {
+      readLetters(word);
     }
   }
-  return arguments;
+
+  void readArgument(const std::string& word) {
+    const auto isFree = [&](const Option& option) { return option.isPositional() && !m_arguments.has(option.name); };
+    const auto option = std::find_if(m_options.begin(), m_options.end(), isFree);
+    if (option == m_options.end()) refuse(&m_command, "unexpected argument " + inQuotes(word));
+    take(*option, word);
+  }
+
+  // --name, --name VALUE, --name=VALUE. The name is never shortened: a command line in a script should not change its
+  // meaning when the tool gets another option.
+  void readLongForm(const std::string& word) {
+    const std::size_t end = word.find('=');
+    const std::string name = word.substr(0, end);
+    const Option* const option = named(name);
+    if (option == nullptr) refuseUnknown(name);
+    if (!option->isFlag()) return take(*option, end == std::string::npos ? nextWord(*option) : word.substr(end + 1));
+    if (end != std::string::npos) refuse(&m_command, "option " + name + " takes no value");
+    take(*option, "");
+  }
+
+  // -n, -vn, -o VALUE, -oVALUE.
+  void readLetters(const std::string& word) {
+    for (std::size_t i = 1; i < word.size(); ++i) {
+      const Option* const option = withLetter(word[i]);
+      if (option == nullptr) refuseUnknown(i == 1 ? word : std::string{'-', word[i]});
+      if (!option->isFlag()) return take(*option, i + 1 < word.size() ? word.substr(i + 1) : nextWord(*option));
+      take(*option, "");
+    }
+  }
+
+  // The value of an option that stands by itself. A known option in its place means that the value was forgotten.
+  std::string nextWord(const Option& option) {
+    const bool isThere =
+        m_next < m_words.size() && named(m_words[m_next].substr(0, m_words[m_next].find('='))) == nullptr;
+    if (!isThere) refuse(&m_command, std::string("option ") + option.name + " needs a value: " + option.value);
+    return m_words[m_next++];
+  }
+
+  void take(const Option& option, const std::string& value) {
+    if (!option.isFlag()) check(option, value);
+    m_arguments.set(option.name, value);
+  }
+
+  void check(const Option& option, const std::string& value) const {
+    const std::string name = option.name;
+    if (m_arguments.has(name)) refuse(&m_command, "option " + name + " is given more than once");
+    if (value.empty()) refuse(&m_command, name + " must not be empty");
+    // It would make or look for a file of that name, where most people mean a standard stream.
+    if (value == "-" && !option.isStreamToo) {
+      refuse(&m_command, name + " is '-', which is no file here; a file of that name is ./-");
+    }
+    const auto isIt = [&](const char* word) { return value == word; };
+    if (!option.words.empty() && std::none_of(option.words.begin(), option.words.end(), isIt)) {
+      refuse(&m_command,
+             "unknown " + lowerCase(option.value) + " " + inQuotes(value) + "; known are: " + listOf(option.words));
+    }
+  }
+
+  bool hasPlan() const { return takesPlanOrFiles(m_command) && m_arguments.has(kPlanArgument); }
+
+  // The rest can be told only when all words are known.
+
+  void refuseMissing(const Option& option) const {
+    if (!option.isRequired || m_arguments.has(option.name) || (option.isInPlan && hasPlan())) return;
+    refuse(&m_command, option.isPositional() ? std::string("missing argument: ") + option.name
+                                             : std::string("missing option: ") + option.name + " " + option.value);
+  }
+
+  void refuseUnfitting(const Option& option) const {
+    if (!m_arguments.has(option.name)) return;
+    const std::string name = option.name;
+    if (option.isInPlan && hasPlan()) refuse(&m_command, name + " cannot be given with a plan, which has it");
+    if (option.needs[0] != 0 && !m_arguments.has(option.needs)) refuse(&m_command, name + " needs " + option.needs);
+  }
+
+  [[noreturn]] void refuseUnknown(const std::string& name) const {
+    std::vector<std::string> known = {kHelpForm};
+    for (const Option& option : m_options) {
+      if (!option.isPositional()) known.emplace_back(option.name);
+    }
+    refuse(&m_command, withSuggestion("unknown option " + inQuotes(name), name, known));
+  }
+
+  const Option* named(std::string_view name) const {
+    const auto isIt = [&](const Option& option) { return !option.isPositional() && option.name == name; };
+    const auto found = std::find_if(m_options.begin(), m_options.end(), isIt);
+    return found == m_options.end() ? nullptr : &*found;
+  }
+
+  const Option* withLetter(char letter) const {
+    const auto isIt = [&](const Option& option) { return option.letter == letter; };
+    const auto found = std::find_if(m_options.begin(), m_options.end(), isIt);
+    return found == m_options.end() ? nullptr : &*found;
+  }
+
+  const Command& m_command;
+  const std::vector<Option> m_options;
+  const std::vector<std::string>& m_words;
+  std::size_t m_next = 0;          // the next word that is read
+  bool m_isOnlyArguments = false;  // after "--"
+  Arguments m_arguments;
+};
+
+// Whoever asks for help gets it, whatever else is missing or wrong. Behind "--" the words are arguments.
+bool asksForHelp(const std::vector<std::string>& words) {
+  const auto end = std::find(words.begin(), words.end(), "--");
+  return std::any_of(words.begin(), end,
+                     [](const std::string& word) { return word == kHelpForm || word == kShortHelpForm; });
+}
+
+// An option in place of a command: perhaps one of a command that is to follow, or a command with dashes.
+[[noreturn]] void refuseOptionAsCommand(const std::string& word) {
+  const std::string name = word.substr(0, word.find('='));
+  if (const Command* const command = findCommand(name.substr(std::min(name.find_first_not_of('-'), name.size())))) {
+    refuse(nullptr, "unknown option " + inQuotes(name) + " (did you mean " + command->name + "?)");
+  }
+  for (const Command& command : commands()) {
+    for (const Option& option : optionsOf(command)) {
+      if (option.name == name)
+        refuse(nullptr, "option " + name + " goes behind a command, as in: cfgmig " + command.name + " " + name);
+    }
+  }
+  refuse(nullptr, withSuggestion("unknown option " + inQuotes(name), name, {kHelpForm, kVersionForm}));
 }
 
 }  // namespace
 
 const Command& commandNamed(const std::string& word) {
   if (const Command* command = findCommand(word)) return *command;
+  if (looksLikeOption(word)) refuseOptionAsCommand(word);
   std::vector<std::string> known;
   for (const Command& command : commands()) known.emplace_back(command.name);
-  const bool isOption = word.size() > 1 && word.front() == '-';
-  if (isOption) known = {kHelpForm, kVersionForm};
-  const std::string what = (isOption ? "unknown option " : "unknown command ") + inQuotes(word);
-  refuse(nullptr, withSuggestion(what, word, known));
+  refuse(nullptr, withSuggestion("unknown command " + inQuotes(word), word, known));
 }
 
 Invocation parseCommandLine(const std::vector<std::string>& words) {
@@ -142,10 +208,9 @@ Invocation parseCommandLine(const std::vector<std::string>& words) {
   if (first == kVersionForm) return {findCommand("version"), {}};
 
   const Command& command = commandNamed(first);
-  bool help = false;
-  Arguments arguments = parseOptions(command, {words.begin() + 1, words.end()}, help);
-  if (help) return helpOn(command.name);
-  return {&command, std::move(arguments)};
+  const std::vector<std::string> rest(words.begin() + 1, words.end());
+  if (asksForHelp(rest)) return helpOn(command.name);
+  return {&command, Reading(command, rest).arguments()};
 }
 
 }  // namespace tool

@@ -1,16 +1,15 @@
-// Commands.h -- the table of commands and their options. Parser and help are made from it.
+// Commands.h -- what a command is run with, and the functions that run the commands of the table.
 
 #ifndef CFGMIG_TOOL_COMMANDS_H
 #define CFGMIG_TOOL_COMMANDS_H
 
 #include <iosfwd>
 #include <map>
-#include <span>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "ExitStatus.h"
+#include "options/Command.h"
 
 namespace tool {
 
@@ -37,40 +36,17 @@ class Arguments {
   std::map<std::string, std::string, std::less<>> m_values;
 };
 
-struct Option {
-  const char* name;       // "--old"; the name of a positional argument has no dashes
-  char shortName;         // 0 when there is none
-  const char* valueName;  // null for a flag
-  bool required;
-  const char* help;  // one line
+using Runner = ExitStatus (*)(const Arguments& arguments, Console& console);
 
-  bool isPositional() const { return name[0] != '-'; }
-};
-
-struct Command {
-  const char* name;
-  const char* summary;  // one line
-  std::span<const char* const> examples;
-  std::span<const Option> options;
-  const char* description;  // what the user should know beyond the options; lines of at most 78 characters
-  ExitStatus (*run)(const Arguments& arguments, Console& console);
-  bool readsConfigurations = true;  // and so has the options that all such commands share
-};
-
-// The options of a command: its own, then those that it shares with others.
-std::vector<Option> optionsOf(const Command& command);
-
-// In the order in which help shows them.
-std::span<const Command> commands();
-
-// The command of that name, or null.
-const Command* findCommand(std::string_view name);
+// What carries out a command of the table; null for a name that is not in it.
+Runner runnerOf(std::string_view command);
 
 // What the commands do; each is in a file of its own.
 ExitStatus runApply(const Arguments& arguments, Console& console);
 ExitStatus runCheck(const Arguments& arguments, Console& console);
 ExitStatus runClean(const Arguments& arguments, Console& console);
 ExitStatus runCompare(const Arguments& arguments, Console& console);
+ExitStatus runCompletion(const Arguments& arguments, Console& console);
 ExitStatus runDump(const Arguments& arguments, Console& console);
 ExitStatus runHelp(const Arguments& arguments, Console& console);
 ExitStatus runList(const Arguments& arguments, Console& console);

@@ -19,7 +19,7 @@ ExitStatus runCommand(const std::vector<std::string>& words, Console& console) {
   try {
     const Invocation invocation = parseCommandLine(words);
     limitSizes(invocation.arguments);
-    return invocation.command->run(invocation.arguments, console);
+    return runnerOf(invocation.command->name)(invocation.arguments, console);
   } catch (const Failure& failure) {
     for (const std::string& line : failure.lines()) tell(console, line);
     return failure.status();

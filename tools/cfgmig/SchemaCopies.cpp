@@ -26,7 +26,6 @@ namespace {
 constexpr const char* kSchemaEntry = "CN=ZOR DIRECTORY,CN=SCHEMAS,CN=CONFIGURATION";
 constexpr const char* kLegacySchemaEntry = "cn=ZOR Halvorn, CN=SCHEMAS,CN=CONFIGURATION";
 constexpr const char* kIncludeSchema = "zor-slapdIncludeSchema";
-constexpr const char* kHint = "see: cfgmig help schemas";
 constexpr int kNoMemory = 90;
 
 // Takes a list that the library hands out, null for none.
@@ -89,11 +88,7 @@ const char* fateOf(const cfgstore::StagedCopy& copy, bool preview) {
 }  // namespace
 
 std::optional<SchemaDirectories> SchemaDirectories::of(const Arguments& arguments) {
-  const bool hasSearch = arguments.has("--search-dir");
-  const bool hasTarget = arguments.has("--target-dir");
-  if (!hasSearch && !hasTarget) return std::nullopt;
-  if (!hasTarget) throw Failure(ExitStatus::usage, std::vector<std::string>{"--search-dir needs --target-dir", kHint});
-  if (!hasSearch) throw Failure(ExitStatus::usage, std::vector<std::string>{"--target-dir needs --search-dir", kHint});
+  if (!arguments.has("--search-dir")) return std::nullopt;  // neither goes without the other
   return of(arguments.value("--search-dir"), arguments.value("--target-dir"));
 }
 

@@ -28,7 +28,7 @@ struct SchemaDirectories {
   std::string target;  // absolute, for its name becomes part of the configuration
 
   // What --search-dir and --target-dir say; nothing when neither is given.
-  // Throws Failure: usage when only one of them is given, failed for a directory that is none.
+  // Throws Failure with ExitStatus::failed for a directory that is none.
   static std::optional<SchemaDirectories> of(const Arguments& arguments);
   static SchemaDirectories of(const std::string& search, const std::string& target);
 };

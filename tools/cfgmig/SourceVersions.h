@@ -11,7 +11,9 @@ namespace tool {
 
 // The versions for which the library has rules. It merges nothing for any other and calls that a success, so a version
 // that is not in this table never reaches it.
-std::span<const char* const> sourceVersions();
+inline constexpr const char* kSourceVersions[] = {"4.1", "5.1", "5.2", "6.0"};
+
+inline std::span<const char* const> sourceVersions() { return kSourceVersions; }
 
 bool isSourceVersion(std::string_view version);
 

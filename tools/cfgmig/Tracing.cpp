@@ -16,7 +16,6 @@ constexpr const char* kStandardError = "-";
 
 std::uint32_t traceMask(const Arguments& arguments) {
   if (!arguments.has("--trace-events")) return ldtr::kEverything;
-  if (!arguments.has("--trace")) throw Failure(ExitStatus::usage, "--trace-events needs --trace");
   const std::string text = arguments.value("--trace-events");
   const auto mask = ldtr::parseEvents(text);
   if (mask) return *mask;

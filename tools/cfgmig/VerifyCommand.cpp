@@ -17,7 +17,6 @@
 #include "PrintableText.h"
 #include "Snapshot.h"
 #include "SourceVersion.h"
-#include "SourceVersions.h"
 #include "Target.h"
 #include "audit/AuditReport.h"
 #include "audit/UntouchedText.h"
@@ -71,10 +70,6 @@ ExitStatus statusOf(AuditVerdict verdict) {
 
 ExitStatus runVerify(const Arguments& arguments, Console& console) {
   const std::string given = arguments.value("--from");
-  if (arguments.has("--from") && !isSourceVersion(given)) {
-    throw Failure(ExitStatus::usage,
-                  "unknown version '" + ldtr::printable(given) + "'; known are: " + listOfSourceVersions());
-  }
   Input old{arguments.value("--old"), nullptr};
   Input before{arguments.value("--before"), nullptr};
   Input result{arguments.value("--result"), nullptr};

@@ -30,11 +30,13 @@ TEST(CommandLine, HelpOnACommandIsTheSameInAllItsForms) {
   const auto help = runTool({"help", "apply"});
   EXPECT_EQ(help.status, 0);
   EXPECT_THAT(help.out, StartsWith("Examples:\n"));
-  EXPECT_THAT(help.out, HasSubstr("cfgmig apply [PLAN] [OPTION...]"));
+  EXPECT_THAT(help.out, HasSubstr("cfgmig apply PLAN [OPTION...]\n"));
+  EXPECT_THAT(help.out, HasSubstr("cfgmig apply --old FILE --new FILE [OPTION...]\n"));
   EXPECT_THAT(help.out, HasSubstr("-n, --dry-run"));
   EXPECT_EQ(runTool({"apply", "--help"}).out, help.out);
   EXPECT_EQ(runTool({"apply", "-h"}).out, help.out);
   EXPECT_EQ(runTool({"apply", "--old", "x", "--help"}).out, help.out) << "help asks for no other option";
+  EXPECT_EQ(runTool({"apply", "--nonsense", "--help"}).out, help.out) << "whatever else is wrong";
 }
 
 TEST(CommandLine, TellsTheVersion) {
@@ -96,7 +98,19 @@ INSTANTIATE_TEST_SUITE_P(
         Wrong{{"apply", "--dry-run=no"}, "option --dry-run takes no value"},
         Wrong{{"apply", "--olt", "x"}, "unknown option '--olt' (did you mean --old?)"},
         Wrong{{"apply", "--outptu=x"}, "unknown option '--outptu' (did you mean --output?)"},
-        Wrong{{"apply", "-x"}, "unknown option '-x'"},
+        Wrong{{"apply", "-x"}, "unknown option '-x'"}, Wrong{{"apply", "-nx"}, "unknown option '-x'"},
+        Wrong{{"apply", "-dry-run"}, "unknown option '-dry-run' (did you mean --dry-run?)"},
+        Wrong{{"apply", "--dry"}, "unknown option '--dry'\n"}, Wrong{{"apply", "-no"}, "option --output needs a value"},
+        Wrong{{"apply", "--old", "--new", "n"}, "option --old needs a value: FILE"},
+        Wrong{{"apply", "--old", "o", "--new=n", "--from", "7"}, "unknown version '7'; known are: 4.1, 5.1, 5.2, 6.0"},
+        Wrong{{"plan", "--old=o", "--new=n", "--format=xml"},
+              "unknown format 'xml'; known are: text, json, ldif, html"},
+        Wrong{{"apply", "--old", "o", "--new", "n", "--trace-events", "1"}, "--trace-events needs --trace"},
+        Wrong{{"completion", "csh"}, "unknown shell 'csh'; known are: bash, zsh, fish"},
+        Wrong{{"completion"}, "missing argument: SHELL"},
+        Wrong{{"--list", "f"}, "unknown option '--list' (did you mean list?)"},
+        Wrong{{"--old", "o", "plan"}, "option --old goes behind a command, as in: cfgmig plan --old"},
+        Wrong{{"-"}, "unknown command '-'"}, Wrong{{"--"}, "unknown option '--'"},
         Wrong{{"apply", "extra", "--old", "o", "--new", "n", "--from", "6.0"},
               "--old cannot be given with a plan, which has it"}));
 
@@ -104,6 +118,17 @@ TEST(CommandLine, ADoubleDashEndsTheOptions) {
   const auto result = runTool({"list", "--", "--missing"});
   EXPECT_EQ(result.status, 1) << "a file of that name is looked for";
   EXPECT_THAT(result.err, HasSubstr("--missing: "));
+}
+
+TEST(CommandLine, TakesAnOptionInAllItsForms) {
+  for (const std::vector<std::string>& words : {std::vector<std::string>{"dump", "f", "-o", "/no/such/place"},
+                                                {"dump", "-o/no/such/place", "f"},
+                                                {"dump", "--output", "/no/such/place", "f"},
+                                                {"dump", "--output=/no/such/place", "f", "--json", "--json"}}) {
+    const auto result = runTool(words);
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(result.err, HasSubstr("/no/such/place: cannot be written")) << testing::PrintToString(words);
+  }
 }
 
 TEST(CommandLine, HasNoColour) {

@@ -31,8 +31,9 @@ TEST(Tables, EveryCommandIsFoundByItsNameAndOnlyOnce) {
   for (const Command& command : commands()) {
     EXPECT_TRUE(names.insert(command.name).second) << command.name;
     EXPECT_EQ(findCommand(command.name), &command);
-    EXPECT_NE(command.run, nullptr);
+    EXPECT_NE(runnerOf(command.name), nullptr) << command.name;
   }
+  EXPECT_EQ(runnerOf("app"), nullptr);
   EXPECT_EQ(findCommand("app"), nullptr);
   EXPECT_EQ(findCommand(""), nullptr);
 }

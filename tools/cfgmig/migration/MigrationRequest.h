@@ -25,10 +25,10 @@ struct MigrationRequest {
 
 // Reads --old, --new, --from, --output, --search-dir and --target-dir; `outputIsTarget` is false for a command whose
 // --output is something else. Refuses before any file is opened what must not be done.
-// Throws Failure: usage when one is missing, files are one or a version is unknown; failed for what cannot be written.
+// Throws Failure: usage when files are one, failed for what cannot be written.
 MigrationRequest requestOf(const Arguments& arguments, bool outputIsTarget);
 
-// The same from a saved plan, which the argument PLAN names. Options that say the same as a plan are refused.
+// The same from a saved plan, which the argument PLAN names.
 // Throws Failure as requestOf and readPlan do.
 MigrationRequest requestOfPlan(const Arguments& arguments);
 

@@ -27,13 +27,10 @@ constexpr FormatRow kFormats[] = {
     {Format::html, "html", "--html-report"},
 };
 
+// Of one of the words that the table of options has for --format.
 Format formatOf(const std::string& name) {
-  std::string known;
-  for (const FormatRow& row : kFormats) {
-    if (name == row.name) return row.format;
-    known += (known.empty() ? "" : ", ") + std::string(row.name);
-  }
-  throw Failure(ExitStatus::usage, "unknown format '" + ldtr::printable(name) + "'; known are: " + known);
+  const auto isIt = [&](const FormatRow& row) { return name == row.name; };
+  return std::find_if(std::begin(kFormats), std::end(kFormats), isIt)->format;
 }
 
 // Whether a value of the old configuration at this place was lost.
