@@ -1,0 +1,82 @@
+"""Runs the table of programs on one pair, round after round."""
+import contextlib
+import dataclasses
+import os
+import statistics
+import sys
+
+import programs
+from process import Failed
+
+# A program is not run again once its runs have taken this long, in seconds: what is that slow needs no second decimal.
+ENOUGH = 45
+
+
+@dataclasses.dataclass(frozen=True)
+class Figure:
+    """What one program took on one pair, in seconds and bytes."""
+    runs: list
+    is_tool: bool
+
+    @property
+    def wall(self):
+        return statistics.median(run.wall for run in self.runs)
+
+    @property
+    def cpu(self):
+        return statistics.median(run.cpu for run in self.runs)
+
+    @property
+    def peak(self):
+        return max(run.peak for run in self.runs)
+
+    @property
+    def spread(self):
+        return min(run.wall for run in self.runs), max(run.wall for run in self.runs)
+
+
+@dataclasses.dataclass
+class Measured:
+    """All figures of one pair."""
+    entries: int
+    pair_size: int
+    figures: dict  # name of the step -> Figure
+    left_out: list  # names
+    failures: list  # texts
+
+
+def prepare(step, files):
+    for path in step.out:
+        with contextlib.suppress(FileNotFoundError):
+            os.remove(path)
+    if step.needs_fresh_target:
+        files.fresh_target()
+    if step.writes:
+        files.settle()
+
+
+def measure(runner, paths, files, rounds, with_slow):
+    """All programs in turn, `rounds` times, so that what else the machine does meets all of them."""
+    steps = programs.steps(paths, files)
+    runs = {step.name: [] for step in steps if with_slow or not step.slow}
+    failures = {}
+    for number in range(rounds):
+        done = set()
+        for step in steps:
+            if step.name not in runs or step.name in failures or (step.after and step.after not in done):
+                continue
+            if sum(run.wall for run in runs[step.name]) > ENOUGH:
+                continue
+            prepare(step, files)
+            try:
+                run = runner.run(step.arguments)
+                runs[step.name].append(run)
+                done.add(step.name)
+                print(f"  {files.entries:,} entries, {number + 1} of {rounds}, {step.name}: {run.wall:.3f} s",
+                      file=sys.stderr)
+            except Failed as error:
+                failures[step.name] = str(error)
+                print(f"  FAILED {error}", file=sys.stderr)
+    figures = {step.name: Figure(runs[step.name], step.is_tool) for step in steps if runs.get(step.name)}
+    left_out = [step.name for step in steps if step.name not in runs]
+    return Measured(files.entries, files.pair_size(), figures, left_out, list(failures.values()))
