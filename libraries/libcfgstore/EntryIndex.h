@@ -30,6 +30,20 @@ class EntryIndex {
     }
   }
 
+  // The entry with this key; without one, `entry` is added with it and returned.
+  template <class KeyOf>
+  EntryId findOrInsert(std::string_view key, EntryId entry, const KeyOf& keyOf) {
+    reserve(1);
+    const std::uint32_t hash = hashOf(key);
+    std::size_t at = hash & mask();
+    for (; m_slots[at].entry != kNoEntry; at = (at + 1) & mask()) {
+      if (m_slots[at].hash == hash && keyOf(m_slots[at].entry) == key) return m_slots[at].entry;
+    }
+    m_slots[at] = {hash, entry};
+    ++m_used;
+    return entry;
+  }
+
   // Makes room for `count` entries more, so that as many calls of insert cannot fail.
   void reserve(std::size_t count);
 

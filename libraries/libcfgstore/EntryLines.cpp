@@ -169,7 +169,8 @@ void EntryLines::visitNames(const std::function<void(std::string_view)>& visit) 
 
 void EntryLines::append(Attribute attribute, const Line& line) {
   const auto node = static_cast<NodeId>(m_nodes.size());
-  if (m_nodes.size() == m_nodes.capacity()) m_nodes.reserve(m_nodes.size() * 2);
+  // By a quarter: many entries get a few lines each.
+  if (m_nodes.size() == m_nodes.capacity()) m_nodes.reserve(m_nodes.size() + m_nodes.size() / 4 + 4);
   const auto table = m_byValue.find(attribute);
   if (table != m_byValue.end()) table->second.emplace(hashOfText(lineValue(line, m_scratch)), node);
   m_nodes.push_back({line, kNoNode, kNoNode, kNoNode, kNoNode});

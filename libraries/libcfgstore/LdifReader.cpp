@@ -14,6 +14,7 @@ namespace {
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 constexpr std::size_t kSample = std::size_t{1} << 20;
 constexpr std::size_t kShortLine = 8;
+constexpr std::size_t kBlock = std::size_t{1} << 16;
 constexpr std::size_t kNone = static_cast<std::size_t>(-1);
 
 // What is wrong with a line that is not one of name and value. `name` is known for the last two only.
@@ -65,6 +66,7 @@ class Reader {
 
   void reserveLines();
   std::size_t endOfLogicalLine(std::size_t begin);
+  void lookForRareBytes(std::size_t end);
   void readLine(std::string_view line);
   void readBlank(std::string_view line);
   void readComment(std::string_view line);
@@ -89,6 +91,8 @@ class Reader {
   Place m_place = Place::outside;
   std::size_t m_lineNumber = 1;        // of the first physical line of the logical line at hand
   std::size_t m_physicalLines = 0;     // in the logical line at hand
+  std::size_t m_firstSize = 0;         // of the first of them
+  std::size_t m_lookedAt = 0;          // up to where rare bytes were looked for
   std::size_t m_commentBlock = kNone;  // first of the comments that stand directly above
   bool m_mayHaveVersion = true;
   bool m_hasReturns = false;
@@ -99,8 +103,6 @@ class Reader {
 };
 
 LdifContent Reader::read() {
-  m_hasZeros = m_text.find('\0') != std::string_view::npos;
-  m_hasReturns = m_text.find('\r') != std::string_view::npos;
   reserveLines();
   std::size_t at = 0;
   if (m_text.starts_with(kByteOrderMark)) {
@@ -109,6 +111,7 @@ LdifContent Reader::read() {
   }
   while (at < m_text.size() && !m_ended) {
     const std::size_t end = endOfLogicalLine(at);
+    lookForRareBytes(end);
     if (m_content.lines.size() >= m_mostLines) {
       problem(RemarkKind::tooManyLines, "more than " + std::to_string(m_mostLines) + " lines; the rest was not read");
       break;
@@ -137,13 +140,24 @@ void Reader::reserveLines() {
   m_content.lines.reserve(std::min(expected, m_text.size() / kShortLine) + 16);
 }
 
+// Once there has been a zero byte or a carriage return, lines are searched for more. Looked for in blocks that stay in
+// the processor's cache, up to the line at hand at least.
+void Reader::lookForRareBytes(std::size_t end) {
+  while (m_lookedAt < end) {
+    const std::string_view block = m_text.substr(m_lookedAt, kBlock);
+    m_hasZeros = m_hasZeros || block.find('\0') != std::string_view::npos;
+    m_hasReturns = m_hasReturns || block.find('\r') != std::string_view::npos;
+    m_lookedAt += block.size();
+  }
+}
+
 std::size_t Reader::endOfLogicalLine(std::size_t begin) {
   m_physicalLines = 0;
   std::size_t end = begin;
   do {
     const auto newline = m_text.find('\n', end);
-    ++m_physicalLines;
     end = newline == std::string_view::npos ? m_text.size() : newline + 1;
+    if (++m_physicalLines == 1) m_firstSize = end - begin;
   } while (end < m_text.size() && m_text[end] == ' ' && m_text[begin] != '\n' &&
            !(m_text[begin] == '\r' && m_text[begin + 1] == '\n'));
   return end;
@@ -195,7 +209,7 @@ void Reader::readComment(std::string_view line) {
 
 void Reader::readNamed(std::string_view text) {
   Line line;
-  if (const auto fault = parseLine(text, m_scratch, line)) {
+  if (const auto fault = parseLine(text, m_firstSize, m_scratch, line)) {
     const bool named = *fault == LineFault::badBase64 || *fault == LineFault::zeroByte;
     problem(kindOf(*fault), describe(*fault, named ? lineName(line, m_scratch) : std::string_view()));
     return skip(text);
@@ -240,15 +254,14 @@ void Reader::readDn(const Line& line) {
     startEntry(std::nullopt);
   } else {
     const auto keyOf = [&](EntryId id) { return m_content.entries[id - 1].normal; };
-    const EntryId earlier = m_content.index.find(*normal, keyOf);
-    if (earlier != kNoEntry) {
+    const auto number = static_cast<EntryId>(m_content.entries.size() + 1);
+    const EntryId earlier = m_content.index.findOrInsert(*normal, number, keyOf);
+    if (earlier != number) {
       problem(RemarkKind::duplicateEntry, "the entry \"" + shownDn(dn) + "\" a second time; it stands on line " +
                                               std::to_string(m_content.entries[earlier - 1].line) + " already");
       startEntry(std::nullopt);
     } else {
       startEntry(*normal == dn && line.flags == 0 ? dn : m_arena.keep(*normal));
-      const std::string_view key = m_content.entries.back().normal;
-      m_content.index.insert(key, static_cast<EntryId>(m_content.entries.size()));
     }
   }
   m_content.lines.push_back(line);

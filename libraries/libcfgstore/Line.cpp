@@ -1,5 +1,6 @@
 #include "Line.h"
 
+#include <algorithm>
 #include <array>
 #include <cstring>
 #include <limits>
@@ -97,14 +98,6 @@ std::optional<std::size_t> decodeValue(const Line& line, std::string& scratch) {
 
 }  // namespace
 
-std::string_view withoutLineEnd(std::string_view text) {
-  if (text.ends_with('\n')) {
-    text.remove_suffix(1);
-    if (text.ends_with('\r')) text.remove_suffix(1);
-  }
-  return text;
-}
-
 bool isAttributeName(std::string_view name) {
   std::size_t at = 0;
   if (name.empty()) return false;
@@ -127,8 +120,7 @@ bool isAttributeName(std::string_view name) {
   return true;
 }
 
-bool sameName(std::string_view left, std::string_view right) {
-  if (left.size() != right.size()) return false;
+bool sameLetters(std::string_view left, std::string_view right) {
   for (std::size_t i = 0; i < left.size(); ++i) {
     if (left[i] != right[i] && lower(left[i]) != lower(right[i])) return false;
   }
@@ -136,12 +128,15 @@ bool sameName(std::string_view left, std::string_view right) {
 }
 
 std::optional<LineFault> parseLine(std::string_view text, std::string& scratch, Line& line) {
+  return parseLine(text, std::min(text.find('\n'), text.size() - 1) + 1, scratch, line);
+}
+
+std::optional<LineFault> parseLine(std::string_view text, std::size_t firstSize, std::string& scratch, Line& line) {
   line.raw = text.data();
   line.size = static_cast<std::uint32_t>(text.size());
   line.flags = 0;
-  const auto newline = text.find('\n');
-  const bool folded = newline != std::string_view::npos && newline + 1 < text.size();
-  const std::string_view first = withoutLineEnd(folded ? text.substr(0, newline + 1) : text);
+  const bool folded = firstSize < text.size();
+  const std::string_view first = withoutLineEnd(text.substr(0, firstSize));
 
   Head head;
   auto fault = parseHead(first, head);

@@ -47,8 +47,10 @@ static_assert(sizeof(Line) == 16);
 // What keeps a logical line from being one of name and value.
 enum class LineFault { noColon, badName, longName, url, badBase64, zeroByte };
 
-// Takes apart a logical line that is neither blank nor a comment. `text` is all of it, line ends included; `scratch`
-// is working space. The kind of the result is attribute or, for the name "dn", dn.
+// Takes apart a logical line that is neither blank nor a comment. `text` is all of it, line ends included, `firstSize`
+// how much of that the first physical line is; `scratch` is working space. The kind of the result is attribute or, for
+// the name "dn", dn.
+std::optional<LineFault> parseLine(std::string_view text, std::size_t firstSize, std::string& scratch, Line& line);
 std::optional<LineFault> parseLine(std::string_view text, std::string& scratch, Line& line);
 
 // The attribute name as written, folding removed. A view into the line, or into `scratch` if the name is folded.
@@ -58,7 +60,13 @@ std::string_view lineName(const Line& line, std::string& scratch);
 std::string_view lineValue(const Line& line, std::string& scratch);
 
 // `text` without the line end that it may have.
-std::string_view withoutLineEnd(std::string_view text);
+inline std::string_view withoutLineEnd(std::string_view text) {
+  if (text.ends_with('\n')) {
+    text.remove_suffix(1);
+    if (text.ends_with('\r')) text.remove_suffix(1);
+  }
+  return text;
+}
 
 // The longest attribute name that the reader takes, so that a Line stays small.
 inline constexpr std::size_t kMostNameBytes = 65535;
@@ -67,8 +75,13 @@ inline constexpr std::size_t kMostNameBytes = 65535;
 // older servers use), or an OID; then options, each after a ';'.
 bool isAttributeName(std::string_view name);
 
-// Attribute names are compared without regard to ASCII letter case.
-bool sameName(std::string_view left, std::string_view right);
+// Whether two texts of the same size are equal without regard to ASCII letter case.
+bool sameLetters(std::string_view left, std::string_view right);
+
+// Attribute names are compared without regard to ASCII letter case. Most names differ in their lengths already.
+inline bool sameName(std::string_view left, std::string_view right) {
+  return left.size() == right.size() && sameLetters(left, right);
+}
 
 }  // namespace cfgstore
 
