@@ -74,6 +74,8 @@ std::string ConfigStore::text() const {
   return text;
 }
 
+std::vector<std::string_view> ConfigStore::pieces() const { return m_state->document.pieces(); }
+
 SaveResult ConfigStore::save(const std::string& target, Backup backup, unsigned permissions) {
   const auto pieces = m_state->document.pieces();
   AtomicFile file(FileSystem::real(), target, m_state->source);
@@ -92,5 +94,7 @@ bool ConfigStore::checkSave(const std::string& target, unsigned permissions) con
 unsigned ConfigStore::permissions() const { return m_state->source.stamp.mode; }
 
 Document& ConfigStore::document() { return m_state->document; }
+
+const Document& ConfigStore::document() const { return m_state->document; }
 
 }  // namespace cfgstore

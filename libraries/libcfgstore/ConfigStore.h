@@ -122,6 +122,9 @@ class ConfigStore {
   // The whole content as it would be saved.
   std::string text() const;
 
+  // The same in pieces to be laid end to end. Valid until the next write.
+  std::vector<std::string_view> pieces() const;
+
   // The content as it was read. Valid as long as the store.
   std::string_view textAsRead() const;
 
@@ -148,6 +151,7 @@ class ConfigStore {
   unsigned permissions() const;
 
   Document& document();  // for the store's own code and its tests
+  const Document& document() const;
 
  private:
   struct State;

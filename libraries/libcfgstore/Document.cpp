@@ -30,6 +30,7 @@ Document::Document(SourceText source, std::vector<Problem>& problems) : m_source
   problems = std::move(content.problems);
   if (!problems.empty()) return;
   m_lines = std::move(content.lines);
+  if (!m_lines.empty()) m_lastLine = m_lines.back().kind;
   m_index = std::move(content.index);
   const std::span<const Line> lines(m_lines);
   const std::size_t count = content.entries.size();
@@ -84,7 +85,8 @@ const EntryLines& Document::linesOf(EntryId id) {
   }
   if (m_readEntry != id) {
     m_readEntry = kNoEntry;
-    m_readLines.assign(entry.body);
+    std::vector<Line> again;
+    m_readLines.assign(bodyOf(entry, again));
     m_readEntry = id;
   }
   return m_readLines;
@@ -102,7 +104,10 @@ EntryLines& Document::editable(EntryId id) {
 }
 
 const Habits& Document::habits() {
-  if (!m_habits) m_habits = Habits::of(m_lines);
+  if (!m_habits) {
+    TextArena unused;
+    m_habits = Habits::of(m_hasAllLines ? m_lines : readLdif(m_source.text(), unused).lines);
+  }
   return *m_habits;
 }
 
@@ -125,17 +130,24 @@ ResultCode Document::visitSubordinates(std::string_view baseDn, int scope,
   std::string scratch;
   for (EntryId id = m_entries[kHead].next; id != kNoEntry; id = m_entries[id].next) {
     const Entry& entry = m_entries[id];
-    if (!entry.removed && isInScope(entry.normal)) visit(lineValue(entry.dn, scratch));
+    if (!entry.removed && !entry.setAside && isInScope(entry.normal)) visit(lineValue(entry.dn, scratch));
   }
   return kSuccess;
 }
 
-void Document::visitEntries(const std::function<void(std::string_view, const EntryLines&)>& visit) const {
+void Document::visitEntries(
+    const std::function<void(std::string_view, const EntryLines&)>& visit,
+    const std::function<void(EntryId, std::string_view, const Line&, std::size_t)>& visitSetAside) const {
   EntryLines read;
+  std::vector<Line> again;
   for (EntryId id = m_entries[kHead].next; id != kNoEntry; id = m_entries[id].next) {
     const Entry& entry = m_entries[id];
     if (entry.removed) continue;
-    if (!entry.lines) read.assign(entry.body);
+    if (entry.setAside) {
+      visitSetAside(id, entry.normal, entry.dn, entry.valuesSetAside);
+      continue;
+    }
+    if (!entry.lines) read.assign(bodyOf(entry, again));
     visit(entry.normal, entry.lines ? *entry.lines : read);
   }
 }

@@ -46,8 +46,32 @@ class Document {
   ResultCode visitSubordinates(std::string_view baseDn, int scope, const std::function<void(std::string_view)>& visit);
 
   // Calls `visit` with each entry in the order of the file: its DN in normal form, and its lines, which are valid
-  // during the call. Neither the document nor what it keeps in memory changes.
-  void visitEntries(const std::function<void(std::string_view normal, const EntryLines& lines)>& visit) const;
+  // during the call. Neither the document nor what it keeps in memory changes. Entries that are set aside go to
+  // `visitSetAside`, each with its dn line and with how many values it has.
+  void visitEntries(const std::function<void(std::string_view normal, const EntryLines& lines)>& visit,
+                    const std::function<void(EntryId entry, std::string_view normal, const Line& dn,
+                                             std::size_t values)>& visitSetAside) const;
+
+  // The lines of an entry as it was read, comments above the dn line included.
+  std::vector<Line> linesAsRead(EntryId entry) const;
+
+  // Sets entries aside: visitSubordinates leaves them out. They are found, read, written and saved as before.
+  // The first sets aside, in both documents, what both hold alike (EqualEntries.h) and `mayBe` agrees to; the second
+  // what `model` has set aside and this document holds with the very same bytes, and returns the normal DNs of the
+  // others. Entries that were edited are never set aside.
+  using EntryTest = std::function<bool(std::string_view normal, std::span<const Line> lines)>;
+  void setAsideEqual(Document& other, const EntryTest& mayBe);
+  std::vector<std::string_view> setAsideLike(const Document& model);
+  void putBack(std::string_view normal);
+
+  // How the file is written, which new lines follow. Looked for at the first write otherwise, and then by reading the
+  // whole text again when entries are set aside.
+  const Habits& habits();
+
+  // How many values the entries have that are set aside, and whether all these entries are as they were read.
+  std::size_t valuesSetAside() const { return m_valuesSetAside; }
+  void visitSetAside(const std::function<void(std::string_view name, std::string_view value)>& visit) const;
+  bool isSetAsideUntouched() const;
 
   // The writes of CfgUtils.
   ResultCode addValue(std::string_view dn, std::string_view attribute, std::string_view value);
@@ -72,7 +96,8 @@ class Document {
   //   2. The entries are linked in the order of the file. A removed entry stays in its place, for its gap.
   //   3. An entry has its own `lines` if it was edited, is new, or is so large that they are worth keeping.
   struct Entry {
-    std::span<const Line> body;  // as read; empty for a new entry
+    std::span<const Line> body;  // as read; empty for a new entry, and for one that was set aside
+    std::string_view aside;      // instead of it then: the text, which is read again when its lines are needed
     std::span<const Line> gap;   // what stands between this entry and the next
     std::string_view normal;
     std::unique_ptr<EntryLines> lines;
@@ -80,15 +105,22 @@ class Document {
     EntryId previous = kNoEntry;
     EntryId next = kNoEntry;
     EntryId subtreeEnd = kNoEntry;  // where a search for the end of the subtree last ended
+    std::uint32_t valuesSetAside = 0;
     bool removed = false;
     bool edited = false;
+    bool setAside = false;
+
+    std::string_view textAsRead() const;
+    bool isAsRead() const { return !edited && !removed && !(body.empty() && aside.empty()); }
+    std::span<const Line> linesBelowDn() const;
   };
   class Renderer;
 
   static constexpr EntryId kHead = 0;
 
   EntryLines& editable(EntryId entry);
-  const Habits& habits();
+  std::span<const Line> bodyOf(const Entry& entry, std::vector<Line>& again) const;
+  void dropLinesSetAside();
   Line newLine(std::string_view name, std::string_view value);
   EntryId lookUp(std::string_view normal) const;
 
@@ -101,13 +133,16 @@ class Document {
 
   SourceText m_source;
   TextArena m_arena;
-  std::vector<Line> m_lines;  // all of the source, in order; never changes
+  std::vector<Line> m_lines;           // of the source, in order, but for those that were set aside
+  std::optional<LineKind> m_lastLine;  // of the source; nothing for an empty one
   std::vector<Entry> m_entries;
   EntryIndex m_index;
   EntryId m_last = kHead;
   bool m_edited = false;
   std::size_t m_edits = 0;
+  std::size_t m_valuesSetAside = 0;
   std::optional<Habits> m_habits;
+  bool m_hasAllLines = true;
   std::string m_separator;
 
   std::string m_recentDn;  // as the caller wrote it

@@ -10,8 +10,8 @@ namespace cfgstore {
 class Document::Renderer {
  public:
   explicit Renderer(Document& document) : m_document(document), m_source(document.m_source.text()) {
-    const auto& lines = document.m_lines;
-    const bool ends = lines.empty() || m_source.ends_with('\n') || lines.back().kind == LineKind::byteOrderMark;
+    const auto last = document.m_lastLine;
+    const bool ends = !last || m_source.ends_with('\n') || *last == LineKind::byteOrderMark;
     if (!ends) m_unterminated = m_source.data() + m_source.size();
   }
 
@@ -20,8 +20,7 @@ class Document::Renderer {
     addGap(entries[kHead].gap);
     for (EntryId id = entries[kHead].next; id != kNoEntry; id = entries[id].next) addEntry(entries[id]);
     // When the last entry is removed, the empty line above it goes too, unless the file always ended in one.
-    const auto& lines = m_document.m_lines;
-    if (!lines.empty() && lines.back().kind == LineKind::blank) releaseBlank();
+    if (m_document.m_lastLine == LineKind::blank) releaseBlank();
     return std::move(m_pieces);
   }
 
@@ -36,7 +35,7 @@ class Document::Renderer {
     if (entry.edited) {
       entry.lines->visitLines([this](const Line& line) { add(line.text()); });
     } else {
-      addLines(entry.body);
+      add(entry.textAsRead());
     }
     m_separated = false;
     addGap(entry.gap);
@@ -93,7 +92,10 @@ class Document::Renderer {
   const char* m_unterminated = nullptr;  // the end of a last line that has no line end
 };
 
-std::vector<std::string_view> Document::pieces() { return Renderer(*this).render(); }
+std::vector<std::string_view> Document::pieces() {
+  if (!m_edited) return {m_source.text()};
+  return Renderer(*this).render();
+}
 
 bool Document::changed() {
   if (!m_edited) return false;

@@ -9,6 +9,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <span>
 #include <string_view>
 #include <unordered_map>
@@ -21,10 +22,10 @@
 namespace cfgstore {
 
 struct SnapshotValue {
-  std::string_view value;       // decoded; may hold any byte but zero
-  std::size_t line = 0;         // where its logical line begins, counted from 1 in the text that a save would write
-  std::uint32_t attribute = 0;  // that it is a value of
-  bool repeated = false;        // an equal value of the same attribute stands above it; the store reads it once
+  std::string_view value;  // decoded; may hold any byte but zero
+  std::uint32_t line = 0;  // where its logical line begins, counted from 1 in the text that a save would write
+  std::uint32_t attribute : 31 = 0;  // that it is a value of
+  bool repeated : 1 = false;         // an equal value of the same attribute stands above it; the store reads it once
 };
 
 struct SnapshotAttribute {
@@ -37,9 +38,12 @@ struct SnapshotAttribute {
 struct SnapshotEntry {
   std::string_view dn;               // as the file writes it
   std::string_view normal;           // in normal form; no other entry has it
-  std::size_t line = 0;              // of its dn line
+  std::uint32_t line = 0;            // of its dn line
   std::uint32_t firstAttribute = 0;  // its attributes are those from this one on
   std::uint32_t attributes = 0;      // how many; an entry may have none
+  std::uint32_t firstNumber = 0;     // of its values: see Snapshot::numberOf
+  std::uint32_t id = 0;              // in the document
+  bool setAside = false;             // EqualEntries.h: it has attributes, and they are not here unless it is unfolded
 };
 
 // Holds views into the store that it was taken of, which must outlive it. Later edits of that store do not change it.
@@ -55,6 +59,25 @@ class Snapshot {
   std::span<const SnapshotEntry> entries() const { return m_entries; }
   std::span<const SnapshotAttribute> attributes() const { return m_attributes; }
   std::span<const SnapshotValue> values() const { return m_values; }
+
+  // For a while, gives an entry that is set aside its attributes and values, behind those of all others; what was
+  // returned before of attributes() and values() is then not valid any more. One entry at a time; fold takes them away
+  // again. Like the searches, this does not count as a change of the snapshot.
+  void unfold(std::uint32_t entry) const;
+  void fold() const;
+
+  // How many of values() there are without those of an entry that is unfolded.
+  std::size_t lastingValues() const { return m_unfolded.entry == kNone ? m_values.size() : m_unfolded.values; }
+
+  // The number of a value among all of the configuration, those included that are set aside.
+  std::uint32_t numberOf(std::uint32_t value) const;
+
+  // How many values the entries have that are set aside, in addition to values().
+  std::size_t valuesSetAside() const { return m_valuesSetAside; }
+
+  // Calls `visit` with each of them and the name of its attribute, in the order of the file. What it is given is valid
+  // during the call. Nothing is kept, so that each call reads them anew.
+  void visitSetAside(const std::function<void(std::string_view name, std::string_view value)>& visit) const;
 
   std::span<const SnapshotAttribute> attributesOf(const SnapshotEntry& entry) const {
     return attributes().subspan(entry.firstAttribute, entry.attributes);
@@ -75,14 +98,26 @@ class Snapshot {
   class Builder;
   using Numbers = std::vector<std::uint32_t>;
 
+  std::uint32_t lookUpEntry(std::string_view normal) const;
   const Numbers& byName(std::uint32_t entry) const;
 
-  std::vector<SnapshotEntry> m_entries;
-  std::vector<SnapshotAttribute> m_attributes;
-  std::vector<SnapshotValue> m_values;
-  TextArena m_arena;  // values that had to be unfolded or decoded
+  mutable std::vector<SnapshotEntry> m_entries;
+  mutable std::vector<SnapshotAttribute> m_attributes;
+  mutable std::vector<SnapshotValue> m_values;
+  const ConfigStore* m_store = nullptr;
+  std::size_t m_valuesSetAside = 0;
+  TextArena m_arena;  // values that had to be put together or decoded
 
-  mutable EntryIndex m_byNormal;  // filled by the first findEntry
+  struct Unfolded {
+    std::uint32_t entry = kNone;
+    std::size_t attributes = 0;  // without its own
+    std::size_t values = 0;
+    TextArena arena;
+  };
+  mutable Unfolded m_unfolded;
+
+  mutable std::uint32_t m_lastFound = 0;  // by findEntry
+  mutable EntryIndex m_byNormal;          // filled by the first lookUpEntry
   mutable bool m_hasByNormal = false;
   mutable std::unordered_map<std::uint32_t, Numbers> m_byName;  // of entries with many attributes: them, sorted by name
 };

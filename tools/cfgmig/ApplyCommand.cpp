@@ -1,10 +1,13 @@
 // ApplyCommand.cpp -- cfgmig apply.
 
 #include <filesystem>
+#include <future>
 #include <memory>
 #include <optional>
 #include <ostream>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 #include "Commands.h"
@@ -15,6 +18,7 @@
 #include "Outputs.h"
 #include "PrintableText.h"
 #include "Saving.h"
+#include "Threads.h"
 #include "Tracing.h"
 #include "migration/AppliedBefore.h"
 #include "migration/Migration.h"
@@ -27,8 +31,10 @@
 namespace tool {
 namespace {
 
-MigrationRequest readRequest(const Arguments& arguments) {
-  return arguments.has("PLAN") ? requestOfPlan(arguments) : requestOf(arguments, true);
+MigrationRequest readRequest(const Arguments& arguments, const ReportRequest& reports) {
+  MigrationRequest request = arguments.has("PLAN") ? requestOfPlan(arguments) : requestOf(arguments, true);
+  request.onlySums = !reports.showsValues();
+  return request;
 }
 
 void tellAll(const std::vector<std::string>& lines, Console& console) {
@@ -61,15 +67,19 @@ unsigned permissionsOf(const Migration& migration, Console& console) {
 
 std::string fingerprintOf(const std::string& path) { return path.empty() ? "" : sha256OfFile(path); }
 
-UndoRecord recordOf(const Migration& migration, const Report& report, const std::string& backup) {
+// `result` is the fingerprint of what was written.
+UndoRecord recordOf(const Migration& migration, const Report& report, const std::string& backup,
+                    const std::string& result) {
   UndoRecord record;
   record.toolVersion = report.toolVersion;
   record.time = report.time;
   record.sourceVersion = migration.sourceVersion();
   record.target = std::filesystem::canonical(migration.request().target).string();
-  record.sha256 = fingerprintOf(record.target);
+  record.sha256 = result;
   record.backup = backup.empty() ? "" : std::filesystem::absolute(backup).string();
-  record.backupSha256 = fingerprintOf(record.backup);
+  // A new configuration that is replaced is the one that was read: the save makes sure of that.
+  const bool isOfInput = !backup.empty() && migration.request().target == migration.request().newPath;
+  record.backupSha256 = isOfInput ? migration.newInput().sha256 : fingerprintOf(record.backup);
   record.oldFile = migration.oldInput();
   record.newFile = migration.newInput();
   record.schemas = report.options.schemas;
@@ -79,6 +89,12 @@ UndoRecord recordOf(const Migration& migration, const Report& report, const std:
         {file.destination, fingerprintOf(file.destination), file.backup, fingerprintOf(file.backup)});
   }
   return record;
+}
+
+// Of what a save would write, made while it is written. Schema copies are staged by now, so that nothing changes in it.
+std::future<std::string> fingerprintOfResult(cfgstore::ConfigStore& store) {
+  std::vector<std::string_view> pieces = store.pieces();
+  return doBeside(store.textAsRead().size(), [pieces = std::move(pieces)] { return sha256(pieces); });
 }
 
 // Without anything that was replaced there is nothing that an undo could put back.
@@ -110,7 +126,7 @@ void tellRecovered(const cfgstore::SaveResult& saved, Console& console) {
 bool checkResult(const Migration& migration, Console& console) {
   const auto& schemas = migration.request().schemas;
   std::vector<std::string> faults =
-      selfCheck(migration.ledger(), migration.request().target, schemas ? schemas->target : "");
+      selfCheck(migration.ledger(), migration.newStore(), migration.request().target, schemas ? schemas->target : "");
   if (faults.empty()) return true;
   constexpr std::size_t kMost = 20;
   const std::size_t left = faults.size() > kMost ? faults.size() - kMost : 0;
@@ -134,6 +150,7 @@ ExitStatus write(Migration& migration, const ReportRequest& reports, Report& rep
   const unsigned permissions = permissionsOf(migration, console);
   const HeldSignals signals;  // what was done is told, too
   SchemaCopies* const schemas = migration.schemas();
+  std::future<std::string> fingerprint = fingerprintOfResult(migration.newStore());
   const cfgstore::SaveResult saved = schemas != nullptr
                                          ? schemas->saveWith(migration.newStore(), request.target, permissions)
                                          : saveTo(migration.newStore(), request.target, permissions);
@@ -143,7 +160,8 @@ ExitStatus write(Migration& migration, const ReportRequest& reports, Report& rep
   if (saved.written) {
     report.outcome.kind = Outcome::Kind::applied;
     report.outcome.backup = saved.backupPath;
-    isWell &= afterwards([&] { noteForUndo(recordOf(migration, report, saved.backupPath)); }, console);
+    isWell &=
+        afterwards([&] { noteForUndo(recordOf(migration, report, saved.backupPath, fingerprint.get())); }, console);
     isWell &= checkResult(migration, console);
   } else {
     report.outcome.kind = Outcome::Kind::nothingToDo;
@@ -177,7 +195,7 @@ ExitStatus preview(Migration& migration, const ReportRequest& reports, Report& r
 
 ExitStatus runApply(const Arguments& arguments, Console& console) {
   const ReportRequest reports = reportRequestOf(arguments);
-  Migration migration(readRequest(arguments));
+  Migration migration(readRequest(arguments, reports));
   const MigrationRequest& request = migration.request();
   const NamedFile files[] = {{request.oldPath, "the old configuration"},
                              {request.newPath, "the new configuration"},
@@ -196,6 +214,7 @@ ExitStatus runApply(const Arguments& arguments, Console& console) {
     tellApplied(*record, replay.get(), reports, console);
     return missingOutputs(console).empty() ? ExitStatus::done : ExitStatus::failed;
   }
+  if (!arguments.has("--dry-run")) migration.hashInputs();  // the record for undo needs them
   migration.merge(warnings);
   tellAll(warnings, console);
   Report report = migration.report(reports.showSecrets);

@@ -1,6 +1,5 @@
 // CompareCommand.cpp -- cfgmig compare.
 
-#include <memory>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -10,6 +9,7 @@
 #include "Configuration.h"
 #include "Failure.h"
 #include "OutputFile.h"
+#include "SettledEntries.h"
 #include "Target.h"
 #include "Tracing.h"
 
@@ -38,15 +38,21 @@ Inputs readInputs(const Arguments& arguments) {
   return inputs;
 }
 
+cfgstore::ConfigStore& storeOf(ConfigFile& configuration) {
+  return cfgstore::ConfigStore::of(*configuration.getCfgUtils());
+}
+
 }  // namespace
 
 ExitStatus runCompare(const Arguments& arguments, Console& console) {
   const Inputs inputs = readInputs(arguments);
   std::vector<std::string> problems;
-  const std::unique_ptr<ConfigFile> oldConfiguration = openConfiguration(inputs.oldFile.path, problems);
-  const std::unique_ptr<ConfigFile> newConfiguration = openConfiguration(inputs.newFile.path, problems);
+  const auto [oldConfiguration, newConfiguration] =
+      openConfigurations(inputs.oldFile.path, inputs.newFile.path, problems);
   if (!problems.empty()) throw Failure(ExitStatus::failed, problems);
   startTracing(arguments);
+  // A trace tells of every entry; without one, nobody sees whether equal entries were compared value by value.
+  if (traceFile(arguments).empty()) setSettledEntriesAside(storeOf(*oldConfiguration), storeOf(*newConfiguration));
   readInventory(*oldConfiguration);
   readInventory(*newConfiguration);
 

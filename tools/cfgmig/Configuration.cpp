@@ -1,12 +1,18 @@
 #include "Configuration.h"
 
+#include <sys/stat.h>
+
+#include <cstdint>
 #include <exception>
+#include <future>
 #include <new>
+#include <utility>
 
 #include "ConfigStore.h"
 #include "Failure.h"
 #include "PrintableText.h"
 #include "SizeLimit.h"
+#include "Threads.h"
 
 namespace tool {
 namespace {
@@ -18,6 +24,11 @@ void describe(const cfgstore::OpenError& error, const std::string& path, std::ve
     // The text may name a DN, whose backslashes are its own.
     problems.push_back(file + line + ": " + ldtr::printableDn(problem.text) + sizeHint(problem.kind));
   }
+}
+
+std::uint64_t sizeOf(const std::string& path) {
+  struct stat status {};
+  return ::stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) ? static_cast<std::uint64_t>(status.st_size) : 0;
 }
 
 // Makes a Store of the file at `path`.
@@ -35,10 +46,49 @@ std::unique_ptr<Store> open(const std::string& path, std::vector<std::string>& p
   return nullptr;
 }
 
+// Reading a large file is worth a thread; what is opened does not share anything.
+template <class Store, class... Arguments>
+std::vector<std::unique_ptr<Store>> openAll(std::span<const std::string> paths, std::vector<std::string>& problems,
+                                            Arguments... arguments) {
+  struct Opened {
+    std::unique_ptr<Store> store;
+    std::vector<std::string> problems;
+  };
+  const auto openOne = [&](const std::string& path) {
+    Opened opened;
+    opened.store = open<Store>(path, opened.problems, arguments...);
+    return opened;
+  };
+  std::vector<std::future<Opened>> pending;
+  for (const std::string& path : paths) {
+    const std::uint64_t bytes = &path == &paths.front() ? 0 : sizeOf(path);  // one can be read in this thread
+    pending.push_back(doBeside(bytes, [&openOne, &path] { return openOne(path); }));
+  }
+  std::vector<std::unique_ptr<Store>> stores;
+  for (std::future<Opened>& each : pending) {
+    Opened opened = each.get();
+    stores.push_back(std::move(opened.store));
+    problems.insert(problems.end(), opened.problems.begin(), opened.problems.end());
+  }
+  return stores;
+}
+
 }  // namespace
 
 std::unique_ptr<ConfigFile> openConfiguration(const std::string& path, std::vector<std::string>& problems) {
   return open<ConfigFile>(path, problems, nullptr);
+}
+
+OpenPair openConfigurations(const std::string& oldPath, const std::string& newPath,
+                            std::vector<std::string>& problems) {
+  const std::string paths[] = {oldPath, newPath};
+  auto opened = openAll<ConfigFile>(paths, problems, nullptr);
+  return {std::move(opened[0]), std::move(opened[1])};
+}
+
+std::vector<std::unique_ptr<OVOConfigUtils::CfgUtils>> openAllUtils(std::span<const std::string> paths,
+                                                                    std::vector<std::string>& problems) {
+  return openAll<OVOConfigUtils::CfgUtils>(paths, problems, nullptr);
 }
 
 std::unique_ptr<OVOConfigUtils::CfgUtils> openUtils(const std::string& path, std::vector<std::string>& problems) {

@@ -4,6 +4,7 @@
 #define CFGMIG_TOOL_CONFIGURATION_H
 
 #include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -17,8 +18,20 @@ namespace tool {
 // line each: "path:line: text".
 std::unique_ptr<ConfigFile> openConfiguration(const std::string& path, std::vector<std::string>& problems);
 
+// The old and the new configuration, both at once. A configuration that could not be opened is null, and what is wrong
+// with the old one comes first in `problems`.
+struct OpenPair {
+  std::unique_ptr<ConfigFile> old;
+  std::unique_ptr<ConfigFile> now;
+};
+OpenPair openConfigurations(const std::string& oldPath, const std::string& newPath, std::vector<std::string>& problems);
+
 // The same without the library: the store alone.
 std::unique_ptr<OVOConfigUtils::CfgUtils> openUtils(const std::string& path, std::vector<std::string>& problems);
+
+// All of them, several at once, in their order.
+std::vector<std::unique_ptr<OVOConfigUtils::CfgUtils>> openAllUtils(std::span<const std::string> paths,
+                                                                    std::vector<std::string>& problems);
 
 // Opens any LDIF content file at `path`, or a pipe, without the library. Throws Failure with the same lines.
 std::unique_ptr<cfgstore::ConfigStore> openStore(const std::string& path);

@@ -4,6 +4,7 @@
 #include <optional>
 #include <ostream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "Commands.h"
@@ -31,7 +32,9 @@ ReportRequest reportsOf(const Arguments& arguments) {
 
 ExitStatus runPlan(const Arguments& arguments, Console& console) {
   const ReportRequest reports = reportsOf(arguments);
-  Migration migration(requestOf(arguments, false));
+  MigrationRequest asked = requestOf(arguments, false);
+  asked.onlySums = !reports.showsValues();
+  Migration migration(std::move(asked));
   const MigrationRequest& request = migration.request();
   const NamedFile files[] = {{request.oldPath, "the old configuration"},
                              {request.newPath, "the new configuration"},
@@ -46,6 +49,7 @@ ExitStatus runPlan(const Arguments& arguments, Console& console) {
     tellApplied(*record, replay.get(), reports, console);
     return ExitStatus::done;
   }
+  if (reports.showsValues()) migration.hashInputs();
   migration.merge(warnings);
   for (const std::string& warning : warnings) console.err << "cfgmig: " << warning << '\n';
 

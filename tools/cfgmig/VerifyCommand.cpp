@@ -15,6 +15,7 @@
 #include "Failure.h"
 #include "NormalDn.h"
 #include "PrintableText.h"
+#include "SettledEntries.h"
 #include "Snapshot.h"
 #include "SourceVersion.h"
 #include "Target.h"
@@ -80,9 +81,15 @@ ExitStatus runVerify(const Arguments& arguments, Console& console) {
   refuseSameFile(files[0], files[2]);
   refuseSameFile(files[1], files[2]);
   std::vector<std::string> problems;
-  for (Input* const input : {&old, &before, &result}) input->utils = openUtils(input->path, problems);
+  const std::string paths[] = {old.path, before.path, result.path};
+  auto opened = openAllUtils(paths, problems);
+  old.utils = std::move(opened[0]);
+  before.utils = std::move(opened[1]);
+  result.utils = std::move(opened[2]);
   if (!problems.empty()) throw Failure(ExitStatus::failed, problems);
 
+  // What all three hold alike is only counted.
+  setSettledEntriesAside(old.store(), before.store(), result.store());
   const cfgstore::Snapshot oldContent(old.store());
   const cfgstore::Snapshot beforeContent(before.store());
   const cfgstore::Snapshot resultContent(result.store());

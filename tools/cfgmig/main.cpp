@@ -1,3 +1,4 @@
+#include <malloc.h>
 #include <sys/prctl.h>
 
 #include <csignal>
@@ -14,6 +15,9 @@ int main(int argc, char** argv) {
   std::signal(SIGPIPE, SIG_IGN);
   // Nor by a limit on the size of files: the write fails, and what was begun is taken back.
   std::signal(SIGXFSZ, SIG_IGN);
+  // Tables as large as a configuration go back to the system when they are freed. Otherwise the allocator would take the
+  // first of them for a sign to keep the memory of all that follow.
+  ::mallopt(M_MMAP_THRESHOLD, 1 << 20);
   std::ios::sync_with_stdio(false);
   tool::Console console{std::cout, std::cerr};
   const std::vector<std::string> words(argv + (argc > 0 ? 1 : 0), argv + argc);

@@ -245,6 +245,8 @@ void Account::attributeToOldValues() {
 }
 
 void Account::count() {
+  m_audit.fates[static_cast<std::size_t>(ValueFate::same)] = m_contents.old.valuesSetAside();
+  m_audit.origins[static_cast<std::size_t>(ValueOrigin::fromNew)] = m_contents.result.valuesSetAside();
   for (const AuditedOldValue& row : m_audit.oldValues) ++m_audit.fates[static_cast<std::size_t>(row.fate)];
   for (const AuditedResultValue& row : m_audit.resultValues) {
     ++(row.isExplained ? m_audit.origins[static_cast<std::size_t>(row.origin)] : m_audit.unexplained);

@@ -59,9 +59,10 @@ class Writer {
 
   void writeSums() {
     const Audit& audit = m_report.audit;
-    m_out << "  old      " << counted(audit.oldValues.size(), "value: ", "values: ");
+    m_out << "  old      " << counted(audit.oldValues.size() + m_report.old.valuesSetAside(), "value: ", "values: ");
     writeCounts<ValueFate>(audit.fates);
-    m_out << "\n  result   " << counted(audit.resultValues.size(), "value: ", "values: ");
+    m_out << "\n  result   "
+          << counted(audit.resultValues.size() + m_report.result.valuesSetAside(), "value: ", "values: ");
     writeCounts<ValueOrigin>(audit.origins);
     if (audit.unexplained > 0) m_out << ", " << audit.unexplained << " unexplained";
     m_out << "\n  replaced " << counted(audit.replaced.size(), "value", "values") << " of the new configuration\n";

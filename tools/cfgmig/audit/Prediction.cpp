@@ -358,6 +358,7 @@ void Predictor::run() {
   const auto entries = m_old.entries();
   std::vector<Id> common;
   for (Id entry = 0; entry < entries.size(); ++entry) {
+    if (entries[entry].setAside) continue;  // it is the same in all three
     const std::string_view normal = entries[entry].normal;
     const Id there = m_content.findEntry(normal);
     if (!cfgstore::isWithinNormalDn(normal, kRoot)) {

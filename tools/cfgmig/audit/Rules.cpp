@@ -132,6 +132,28 @@ const SourceRules* rulesFor(std::string_view version) {
   return nullptr;
 }
 
+std::vector<std::string_view> entriesOfRules() {
+  std::vector<std::string_view> dns{kRoot, kSchemaEntry, kMasterServer};
+  const auto add = [&](std::string_view dn) {
+    if (!dn.empty()) dns.push_back(dn);
+  };
+  const auto addTargets = [&](std::span<const Setting> settings) {
+    for (const Setting& setting : settings) add(setting.toDn);
+  };
+  for (const SourceRules& rules : kRules) {
+    for (const OldEntry& entry : rules.oldEntries) {
+      add(entry.dn);
+      add(entry.toDn);
+      addTargets(entry.settings);
+    }
+    for (const CommonEntry& entry : rules.commonEntries) {
+      add(entry.dn);
+      addTargets(entry.settings);
+    }
+  }
+  return dns;
+}
+
 bool containsOneOf(std::string_view text, Words words) {
   return std::any_of(words.begin(), words.end(),
                      [&](std::string_view word) { return text.find(word) != std::string_view::npos; });

@@ -9,6 +9,7 @@
 
 #include <span>
 #include <string_view>
+#include <vector>
 
 namespace tool::auditing {
 
@@ -106,6 +107,10 @@ inline constexpr std::string_view kMasterPassword = "zor-slapdMasterPW";
 inline constexpr std::string_view kPeerDn = "zor-slapdPeerDN";
 inline constexpr std::string_view kPeerPassword = "zor-slapdPeerPW";
 inline constexpr std::string_view kMasterReferral = "zor-slapdMasterReferral";
+
+// The DNs, in normal form, of all entries that the rules of any version name: those whose settings they look at, and
+// those that they write to.
+std::vector<std::string_view> entriesOfRules();
 
 bool containsOneOf(std::string_view text, Words words);
 

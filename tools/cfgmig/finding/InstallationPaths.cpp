@@ -71,11 +71,13 @@ std::vector<std::string> directoriesOfInstallation(const cfgstore::Snapshot& old
       if (std::find(directories.begin(), directories.end(), told) == directories.end()) directories.emplace_back(told);
     });
   }
-  for (const cfgstore::SnapshotValue& value : before.values()) {
-    if (directories.empty()) break;
-    if (value.value.find('/') == std::string_view::npos) continue;
-    std::erase_if(directories, [&](const std::string& directory) { return namesPathIn(value.value, directory); });
-  }
+  const auto leaveOut = [&](std::string_view value) {
+    if (value.find('/') == std::string_view::npos) return;
+    std::erase_if(directories, [&](const std::string& directory) { return namesPathIn(value, directory); });
+  };
+  if (directories.empty()) return directories;
+  for (const cfgstore::SnapshotValue& value : before.values()) leaveOut(value.value);
+  before.visitSetAside([&](std::string_view, std::string_view value) { leaveOut(value); });
   return directories;
 }
 

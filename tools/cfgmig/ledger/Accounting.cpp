@@ -45,10 +45,17 @@ void Accounting::run() {
   markSchemaFiles();
   for (const OldValueRow& row : m_ledger.oldValues) ++m_ledger.fates[static_cast<std::size_t>(row.fate)];
   for (const ResultValueRow& row : m_ledger.resultValues) ++m_ledger.origins[static_cast<std::size_t>(row.origin)];
+  if (m_ledger.old.valuesSetAside() > 0) {
+    m_ledger.sameSetAside = reason(traced::kMergeCfgEntry, Why::held);
+    m_ledger.newSetAside = reason(0, Why::newServers);
+  }
+  m_ledger.fates[static_cast<std::size_t>(ValueFate::same)] += m_ledger.old.valuesSetAside();
+  m_ledger.origins[static_cast<std::size_t>(ValueOrigin::fromNew)] += m_ledger.result.valuesSetAside();
 }
 
 void Accounting::matchNewServersOwn() {
   for (const SnapshotEntry& entry : m_ledger.result.entries()) {
+    if (entry.setAside) continue;
     const std::uint32_t before = m_ledger.before.findEntry(entry.normal);
     for (std::uint32_t i = entry.firstAttribute; i < entry.firstAttribute + entry.attributes; ++i) {
       const std::string_view name = m_ledger.result.attributes()[i].name;

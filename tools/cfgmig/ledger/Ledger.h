@@ -103,7 +103,8 @@ enum class EntryFate : std::uint8_t {
 struct EntryRow {
   EntryFate fate = EntryFate::skipped;
   ReasonId reason = 0;
-  std::string target;  // the normal DN that it went to; empty when it went nowhere
+  // The normal DN that it went to; empty when it went nowhere. Of `old`, or a constant.
+  std::string_view target;
 };
 
 // Something that happened to a value or an entry, in the order in which it happened. What `why` tells.
@@ -127,19 +128,29 @@ struct Ledger {
   cfgstore::Snapshot before;  // the new configuration, before the merge
   cfgstore::Snapshot result;
 
-  std::vector<OldValueRow> oldValues;        // one for each value of `old`
-  std::vector<ResultValueRow> resultValues;  // one for each value of `result`
-  std::vector<ReplacedRow> replaced;         // in the order of `before`
-  std::vector<EntryRow> oldEntries;          // one for each entry of `old`
+  // One for each value of `old`, and one for each of `result`. An entry that is unfolded (Unfolded.h) has its rows at
+  // their ends for a while, which is no change of the ledger.
+  mutable std::vector<OldValueRow> oldValues;
+  mutable std::vector<ResultValueRow> resultValues;
+  std::vector<ReplacedRow> replaced;  // in the order of `before`
+  std::vector<EntryRow> oldEntries;   // one for each entry of `old`
   std::vector<LedgerEvent> events;
   std::vector<Reason> reasons;        // each of them once; number 0 has no words, and is that of a row without a fate
   std::vector<std::string> messages;  // the library's debug messages, in order and in printable form, repetitions in a
                                       // row in one line; they may hold values
 
+  ReasonId sameSetAside = 0;  // why the old values that are set aside are the same
+  ReasonId newSetAside = 0;   // where the values of the result come from that are
+
   std::array<std::size_t, kValueFates> fates{};      // how many values have each fate
   std::array<std::size_t, kValueOrigins> origins{};  // how many have each origin
 
   std::unique_ptr<std::pmr::monotonic_buffer_resource> memory;  // what the events say and no snapshot holds
+
+  // How many values there are, those included that were set aside before the merge: they have no rows, and are counted
+  // as `same` and `fromNew`.
+  std::size_t oldValueCount() const { return oldValues.size() + old.valuesSetAside(); }
+  std::size_t resultValueCount() const { return resultValues.size() + result.valuesSetAside(); }
 
   const Reason& reasonOf(ReasonId id) const { return reasons[id]; }
   std::size_t count(ValueFate fate) const { return fates[static_cast<std::size_t>(fate)]; }

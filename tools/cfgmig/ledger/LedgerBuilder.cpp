@@ -1,13 +1,16 @@
 #include "LedgerBuilder.h"
 
 #include <optional>
+#include <stdexcept>
 #include <utility>
 #include <vector>
 
 #include "Accounting.h"
 #include "ConfigStore.h"
+#include "EqualEntries.h"
 #include "Failure.h"
 #include "MergeRecorder.h"
+#include "Threads.h"
 
 namespace tool {
 namespace {
@@ -29,8 +32,9 @@ struct LedgerBuilder::State {
   State(ConfigFile& oldConfiguration, ConfigFile& newConfiguration, std::string sourceVersion)
       : old(oldConfiguration), now(newConfiguration) {
     ledger.sourceVersion = std::move(sourceVersion);
+    auto before = doBeside(storeOf(now).textAsRead().size(), [this] { return cfgstore::Snapshot(storeOf(now)); });
     ledger.old = cfgstore::Snapshot(storeOf(old));
-    ledger.before = cfgstore::Snapshot(storeOf(now));
+    ledger.before = before.get();
     account.emplace(inventoryOf(old), inventoryOf(now), &ledger.old);
   }
 
@@ -65,6 +69,11 @@ Ledger LedgerBuilder::finish() {
   State& state = *m_state;
   state.recorder->check();
   state.recorder.reset();
+  for (ConfigFile* const file : {&state.old, &state.now}) {
+    if (!cfgstore::isSetAsideUntouched(storeOf(*file))) {
+      throw std::logic_error("the merge has written to an entry that was set aside");
+    }
+  }
   state.ledger.result = cfgstore::Snapshot(storeOf(state.now));
   state.ledger.messages = state.finished.messages;
   Accounting(state.ledger, state.account->events(), state.account->works()).run();

@@ -35,6 +35,11 @@ void Accounting::decideEntries() {
   }
   for (std::uint32_t i = 0; i < decided.size(); ++i) {
     if (decided[i]) continue;
+    if (m_ledger.old.entries()[i].setAside) {
+      m_ledger.oldEntries[i] = {EntryFate::merged, reason(traced::kMergeCfgEntry, Why::entryMerged),
+                                m_ledger.old.entries()[i].normal};
+      continue;
+    }
     Course course;
     course.oldEntry = i;
     course.target = m_ledger.result.findEntry(m_ledger.old.entries()[i].normal);
@@ -319,19 +324,19 @@ EntryRow Accounting::entryRow(const Course& course) {
   row.fate = work.fate;
   switch (work.fate) {
     case EntryFate::added:
-      row = {work.fate, reason(work.transfer, Why::entryAdded), std::string(own)};
+      row = {work.fate, reason(work.transfer, Why::entryAdded), own};
       break;
     case EntryFate::merged:
-      row = {work.fate, reason(work.transfer, Why::entryMerged), std::string(own)};
+      row = {work.fate, reason(work.transfer, Why::entryMerged), own};
       break;
     case EntryFate::moved: {
       const bool isWhole = work.transfer != 0;
       row = {work.fate, reason(isWhole ? work.transfer : work.rule, isWhole ? Why::entryMoved : Why::entryPartMoved),
-             std::string(targetOfMoved(own))};
+             targetOfMoved(own)};
       break;
     }
     case EntryFate::rebuilt:
-      row = {work.fate, reason(work.transfer, Why::entryRebuilt), std::string(own)};
+      row = {work.fate, reason(work.transfer, Why::entryRebuilt), own};
       break;
     case EntryFate::left:
       row.reason = reason(work.rule, Why::entryLeft);

@@ -71,8 +71,10 @@ class Check {
   }
 
   template <std::size_t N, class Rows, class KindOf>
-  void checkCount(const char* what, const std::array<std::size_t, N>& told, const Rows& rows, KindOf kindOf) {
+  void checkCount(const char* what, const std::array<std::size_t, N>& told, const Rows& rows, KindOf kindOf,
+                  std::size_t kindSetAside, std::size_t setAside) {
     std::array<std::size_t, N> counted{};
+    counted[kindSetAside] = setAside;
     std::size_t sum = 0;
     for (const auto& row : rows) {
       const auto kind = static_cast<std::size_t>(kindOf(row));
@@ -84,16 +86,23 @@ class Check {
       m_errors.add(std::string(what) + ": " + std::to_string(told[i]) + " are counted as number " + std::to_string(i) +
                    " and " + std::to_string(counted[i]) + " are");
     }
-    if (sum != rows.size()) {
+    if (sum != rows.size() + setAside) {
       m_errors.add(std::string(what) + ": their sum is " + std::to_string(sum) + " and not " +
-                   std::to_string(rows.size()));
+                   std::to_string(rows.size() + setAside));
     }
   }
 
   void checkCounts() {
-    checkCount("fates", m_ledger.fates, m_ledger.oldValues, [](const OldValueRow& row) { return row.fate; });
-    checkCount("origins", m_ledger.origins, m_ledger.resultValues,
-               [](const ResultValueRow& row) { return row.origin; });
+    const std::size_t setAside = m_ledger.old.valuesSetAside();
+    if (m_ledger.before.valuesSetAside() != setAside || m_ledger.result.valuesSetAside() != setAside) {
+      m_errors.add("the three configurations have different numbers of values that were set aside");
+    }
+    checkCount(
+        "fates", m_ledger.fates, m_ledger.oldValues, [](const OldValueRow& row) { return row.fate; },
+        static_cast<std::size_t>(ValueFate::same), setAside);
+    checkCount(
+        "origins", m_ledger.origins, m_ledger.resultValues, [](const ResultValueRow& row) { return row.origin; },
+        static_cast<std::size_t>(ValueOrigin::fromNew), setAside);
   }
 
   bool isReason(ReasonId reason) const {

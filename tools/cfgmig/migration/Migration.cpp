@@ -8,9 +8,12 @@
 #include <span>
 
 #include "Configuration.h"
+#include "EqualEntries.h"
 #include "Failure.h"
 #include "PrintableText.h"
+#include "SettledEntries.h"
 #include "SourceVersion.h"
+#include "Threads.h"
 #include "TracedMethod.h"
 #include "ledger/LedgerBuilder.h"
 
@@ -38,13 +41,33 @@ std::string timeNow() {
 
 Migration::Migration(MigrationRequest request) : m_request(std::move(request)) {
   std::vector<std::string> problems;
-  m_old = openConfiguration(m_request.oldPath, problems);
-  m_new = openConfiguration(m_request.newPath, problems);
+  OpenPair opened = openConfigurations(m_request.oldPath, m_request.newPath, problems);
+  m_old = std::move(opened.old);
+  m_new = std::move(opened.now);
   if (!problems.empty()) throw Failure(ExitStatus::failed, problems);
-  m_inputs.push_back(inputOf("old", m_request.oldPath, oldStore().textAsRead()));
-  m_inputs.push_back(inputOf("new", m_request.newPath, newStore().textAsRead()));
+  m_inputs = inputsHashed(false);
   if (m_request.schemas) refuseTraceInSchemaFiles(m_request.traceFile, *m_request.schemas, {m_old.get(), m_new.get()});
 }
+
+// What a summary says of them needs no fingerprints.
+Migration::Inputs Migration::inputsUnhashed() const {
+  const auto input = [](const char* role, const std::string& path, std::string_view text) {
+    return InputFile{role, std::filesystem::absolute(path).string(), {}, text.size()};
+  };
+  return {input("old", m_request.oldPath, oldStore().textAsRead()),
+          input("new", m_request.newPath, newStore().textAsRead())};
+}
+
+std::shared_future<Migration::Inputs> Migration::inputsHashed(bool isAtOnce) const {
+  const auto make = [oldPath = m_request.oldPath, newPath = m_request.newPath, oldText = oldStore().textAsRead(),
+                     newText = newStore().textAsRead()] {
+    return Inputs{inputOf("old", oldPath, oldText), inputOf("new", newPath, newText)};
+  };
+  const std::size_t size = oldStore().textAsRead().size() + newStore().textAsRead().size();
+  return doBeside(isAtOnce ? size : 0, make).share();
+}
+
+void Migration::hashInputs() { m_inputs = inputsHashed(true); }
 
 std::vector<std::string> Migration::staleInputs() const {
   std::vector<std::string> lines;
@@ -60,6 +83,11 @@ std::vector<std::string> Migration::staleInputs() const {
 }
 
 void Migration::merge(std::vector<std::string>& warnings) {
+  // A trace tells of every entry; without one, nobody sees whether equal entries were merged.
+  if (m_request.traceFile.empty()) {
+    cfgstore::learnHabits(newStore());
+    setSettledEntriesAside(oldStore(), newStore());
+  }
   readInventory(*m_old);
   const SourceVersion source = sourceVersionOf(*m_old->getCfgUtils(), m_request.oldPath, m_request.version);
   warnings.insert(warnings.end(), source.warnings.begin(), source.warnings.end());
@@ -80,6 +108,11 @@ void Migration::merge(std::vector<std::string>& warnings) {
   }
   m_ledger.emplace(builder.finish());
   refuseUnlessItAddsUp(*m_ledger);
+  if (!m_request.onlySums) return;
+  // Only a report tells of writes; the check of the result asks for those that were refused.
+  std::erase_if(m_ledger->events, [](const LedgerEvent& event) { return event.rc == 0; });
+  m_ledger->events.shrink_to_fit();
+  if (m_ledger->events.empty()) m_ledger->memory.reset();
 }
 
 bool Migration::fileWillExist(const std::string& path) const {
@@ -96,11 +129,10 @@ bool Migration::fileWillExist(const std::string& path) const {
 Report Migration::report(bool showSecrets) const {
   Report report(*m_ledger, showSecrets);
   report.findings = findAll(*m_ledger, {[this](const std::string& path) { return fileWillExist(path); }});
-  report.mismatches = sumErrors(*m_ledger);
   report.toolVersion = CFGMIG_VERSION;
   report.time = timeNow();
   report.recognisedFrom = m_recognisedFrom;
-  report.inputs = m_inputs;
+  report.inputs = m_request.onlySums ? inputsUnhashed() : m_inputs.get();
   report.options.from = m_request.plan ? m_request.plan->options.from : m_request.version;
   report.options.target = std::filesystem::absolute(m_request.target).string();
   if (m_request.schemas) {

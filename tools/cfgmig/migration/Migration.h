@@ -3,6 +3,7 @@
 #ifndef CFGMIG_TOOL_MIGRATION_MIGRATION_H
 #define CFGMIG_TOOL_MIGRATION_MIGRATION_H
 
+#include <future>
 #include <memory>
 #include <optional>
 #include <string>
@@ -24,8 +25,12 @@ class Migration {
   explicit Migration(MigrationRequest request);
 
   const MigrationRequest& request() const { return m_request; }
-  const InputFile& oldInput() const { return m_inputs[0]; }
-  const InputFile& newInput() const { return m_inputs[1]; }
+
+  // What was read, with its fingerprint. The fingerprints are made when they are first asked for; hashInputs begins
+  // with large ones at once, beside whatever else is done.
+  void hashInputs();
+  const InputFile& oldInput() const { return m_inputs.get()[0]; }
+  const InputFile& newInput() const { return m_inputs.get()[1]; }
 
   // A line for each input that is not what the plan was made from; empty without a plan.
   std::vector<std::string> staleInputs() const;
@@ -54,7 +59,11 @@ class Migration {
   MigrationRequest m_request;
   std::unique_ptr<ConfigFile> m_old;
   std::unique_ptr<ConfigFile> m_new;
-  std::vector<InputFile> m_inputs;
+  using Inputs = std::vector<InputFile>;
+  std::shared_future<Inputs> inputsHashed(bool isAtOnce) const;
+  Inputs inputsUnhashed() const;
+
+  std::shared_future<Inputs> m_inputs;
   std::string m_sourceVersion;
   std::string m_recognisedFrom;
   std::optional<SchemaCopies> m_schemas;

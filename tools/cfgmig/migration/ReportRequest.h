@@ -25,11 +25,14 @@ struct ReportRequest {
   std::optional<Format> onOutput;  // on standard output, in place of the summary
   std::vector<InFile> files;
   bool showSecrets = false;
+
+  // Whether there is a report with single values in it, and not only the summary.
+  bool showsValues() const { return onOutput.has_value() || !files.empty(); }
 };
 
 // Reads --format, --json, --verbose (which is --format text), --text-report, --json-report, --ldif-report,
-// --html-report and --show-secrets. Throws Failure: usage for a format that is not known, and for two reports in one
-// file.
+// --html-report and --show-secrets. Throws Failure with ExitStatus::usage for two different formats on
+// standard output.
 ReportRequest reportRequestOf(const Arguments& arguments);
 
 // Throws Failure: usage when a report would go to one of these files, failed when no file can be written there.

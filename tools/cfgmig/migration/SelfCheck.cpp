@@ -4,6 +4,7 @@
 
 #include "ConfigStore.h"
 #include "Configuration.h"
+#include "EqualEntries.h"
 #include "Failure.h"
 #include "PrintableText.h"
 #include "Snapshot.h"
@@ -20,18 +21,24 @@ std::string lineOf(const Discrepancy& discrepancy) {
 
 }  // namespace
 
-std::vector<std::string> selfCheck(const Ledger& ledger, const std::string& resultPath,
-                                   const std::string& schemaTarget) {
+std::vector<std::string> selfCheck(const Ledger& ledger, const cfgstore::ConfigStore& merged,
+                                   const std::string& resultPath, const std::string& schemaTarget) {
   std::unique_ptr<cfgstore::ConfigStore> store;
   try {
     store = openStore(resultPath);
   } catch (const Failure& failure) {
     return failure.lines();
   }
+  std::vector<std::string> lines;
+  for (const std::string_view dn : cfgstore::setAsideLike(merged, *store)) {
+    lines.push_back("in " + ldtr::printableDn(dn) +
+                    ": there is something else than before, though nothing writes there");
+  }
+  if (!lines.empty()) return lines;
   const cfgstore::Snapshot result(*store);
   const Audit found = audit(ledger.old, ledger.before, result, ledger.sourceVersion, schemaTarget);
   // A write that was refused is a discrepancy as well as a loss, and no fault when the ledger has it.
-  std::vector<std::string> lines = compareWithLedger(found, ledger);
+  lines = compareWithLedger(found, ledger);
   for (const Discrepancy& discrepancy : found.discrepancies) {
     if (!discrepancy.mayBeLoss()) lines.push_back(lineOf(discrepancy));
   }

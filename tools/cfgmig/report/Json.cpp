@@ -10,6 +10,7 @@
 #include "report/JsonWriter.h"
 #include "report/Plan.h"
 #include "report/Report.h"
+#include "report/Unfolded.h"
 
 namespace tool {
 namespace {
@@ -55,13 +56,13 @@ class JsonReport {
 
  private:
   // Null for none.
-  void optionalText(const char* key, const std::string& value) {
+  void optionalText(const char* key, std::string_view value) {
     m_json.key(key);
     value.empty() ? m_json.null() : m_json.text(value);
   }
-  template <class Number>
-  void numberUnless(const char* key, Number value, Number none) {
-    if (value != none) m_json.key(key).number(value);
+  // The number that a value has in the document; nothing for kNoValue.
+  void numberOf(const char* key, Content content, ValueId value) {
+    if (value != kNoValue) m_json.key(key).number(snapshotOf(m_ledger, content).numberOf(value));
   }
 
   void writeHead();
@@ -132,11 +133,11 @@ void JsonReport::writeOutcome() {
 
 void JsonReport::writeSums() {
   m_json.newLine().key("sums").beginObject().key("old_values").beginObject();
-  m_json.key("all").number(m_ledger.oldValues.size());
+  m_json.key("all").number(m_ledger.oldValueCount());
   for (std::size_t i = 0; i < kValueFates; ++i) {
     m_json.key(nameOf(static_cast<ValueFate>(i))).number(m_ledger.fates[i]);
   }
-  m_json.endObject().key("result_values").beginObject().key("all").number(m_ledger.resultValues.size());
+  m_json.endObject().key("result_values").beginObject().key("all").number(m_ledger.resultValueCount());
   for (std::size_t i = 0; i < kValueOrigins; ++i) {
     m_json.key(nameOf(static_cast<ValueOrigin>(i))).number(m_ledger.origins[i]);
   }
@@ -153,7 +154,8 @@ void JsonReport::writePlace(const FindingPlace& place) {
     m_json.key("attribute").text(snapshot.attributes()[place.attribute].name);
   }
   if (place.value != kNoValue) {
-    m_json.key("value").number(place.value).key("line").number(snapshot.values()[place.value].line);
+    numberOf("value", place.content, place.value);
+    m_json.key("line").number(snapshot.values()[place.value].line);
   }
   m_json.endObject();
 }
@@ -200,24 +202,26 @@ void JsonReport::writeAccountOf(Content content, ValueId id) {
   if (content == Content::old) {
     const OldValueRow& row = m_ledger.oldValues[id];
     m_json.key("fate").text(nameOf(row.fate)).key("reason").number(row.reason);
-    numberUnless("place", row.place, kNoValue);
+    numberOf("place", Content::result, row.place);
   } else if (content == Content::result) {
     const ResultValueRow& row = m_ledger.resultValues[id];
     m_json.key("origin").text(nameOf(row.origin)).key("reason").number(row.reason);
-    numberUnless("from", row.from, kNoValue);
+    numberOf("from", row.origin == ValueOrigin::fromNew ? Content::before : Content::old, row.from);
   } else {
     const auto& replaced = m_ledger.replaced;
     const auto found = std::lower_bound(replaced.begin(), replaced.end(), id,
                                         [](const ReplacedRow& row, ValueId value) { return row.before < value; });
     if (found == replaced.end() || found->before != id) return;
     m_json.key("replaced").boolean(true).key("reason").number(found->reason);
-    numberUnless("by", found->by, kNoValue);
+    numberOf("by", Content::result, found->by);
   }
 }
 
 void JsonReport::writeValue(Content content, ValueId id) {
   const cfgstore::SnapshotValue& value = snapshotOf(m_ledger, content).values()[id];
-  m_json.newLine().beginObject().key("number").number(id).key("line").number(value.line);
+  m_json.newLine().beginObject();
+  numberOf("number", content, id);
+  m_json.key("line").number(value.line);
   if (value.repeated) m_json.key("repeated").boolean(true);
   writeShown(m_report.redaction.shown(content, id));
   writeAccountOf(content, id);
@@ -225,6 +229,7 @@ void JsonReport::writeValue(Content content, ValueId id) {
 }
 
 void JsonReport::writeEntry(Content content, std::uint32_t number) {
+  const Unfolded unfolded(m_ledger, content, number);
   const Snapshot& snapshot = snapshotOf(m_ledger, content);
   const cfgstore::SnapshotEntry& entry = snapshot.entries()[number];
   m_json.newLine().beginObject().key("dn").text(entry.dn).key("normal_dn").text(entry.normal);
@@ -259,7 +264,7 @@ void JsonReport::writeEvents() {
     m_json.newLine().beginObject().key("in").text(event.onOld ? "old" : "new");
     m_json.key("operation").text(nameOf(static_cast<cfgstore::Operation>(event.operation)));
     m_json.key("changed").boolean(event.changed).key("code").signedNumber(event.rc).key("reason").number(event.reason);
-    numberUnless("old_entry", event.oldEntry, Snapshot::kNone);
+    if (event.oldEntry != Snapshot::kNone) m_json.key("old_entry").number(event.oldEntry);
     m_json.key("dn").text(event.dn);
     if (!event.attribute.empty()) m_json.key("attribute").text(event.attribute);
     m_json.key("values").beginList();

@@ -1,5 +1,6 @@
 #include "report/Redaction.h"
 
+#include <span>
 #include <unordered_map>
 
 #include "Base64.h"
@@ -19,6 +20,62 @@ ShownValue inForm(std::string_view value) {
   return shown;
 }
 
+// What names say, each read once: there are few names and many values.
+class NamesRead {
+ public:
+  bool isSecret(std::string_view name, std::string_view value) {
+    auto place = m_known.find(name);
+    if (place == m_known.end()) place = m_known.emplace(name, nameSays(name)).first;
+    return place->second == NameSays::secret || (place->second == NameSays::nothing && looksSecret(value));
+  }
+
+ private:
+  struct Hash {
+    using is_transparent = void;
+    std::size_t operator()(std::string_view name) const { return std::hash<std::string_view>()(name); }
+  };
+  std::unordered_map<std::string, NameSays, Hash, std::equal_to<>> m_known;
+};
+
+using Marks = std::array<std::vector<bool>, kContents>;
+
+// An entry may be unfolded at the moment.
+std::span<const cfgstore::SnapshotValue> lastingValues(const cfgstore::Snapshot& snapshot) {
+  return snapshot.values().first(snapshot.lastingValues());
+}
+
+void markAll(const Ledger& ledger, NamesRead& names, Marks& marks) {
+  for (std::size_t content = 0; content < kContents; ++content) {
+    const cfgstore::Snapshot& snapshot = snapshotOf(ledger, static_cast<Content>(content));
+    std::vector<bool>& secret = marks[content];
+    secret.reserve(snapshot.lastingValues());
+    for (const cfgstore::SnapshotValue& value : lastingValues(snapshot)) {
+      secret.push_back(names.isSecret(snapshot.attributeOf(value).name, value.value));
+    }
+  }
+}
+
+// A value is as secret as the one that it comes from, or that it stands in the place of, whatever their attributes are.
+void markCompanions(const Ledger& ledger, Marks& marks) {
+  std::vector<bool>& old = marks[indexOf(Content::old)];
+  std::vector<bool>& before = marks[indexOf(Content::before)];
+  std::vector<bool>& result = marks[indexOf(Content::result)];
+  const auto alike = [](std::vector<bool>& left, ValueId leftId, std::vector<bool>& right, ValueId rightId) {
+    if (leftId >= left.size() || rightId >= right.size()) return;
+    const bool either = left[leftId] || right[rightId];
+    left[leftId] = either;
+    right[rightId] = either;
+  };
+  for (std::size_t i = 0; i < ledger.old.lastingValues(); ++i) {
+    alike(old, static_cast<ValueId>(i), result, ledger.oldValues[i].place);
+  }
+  for (std::size_t i = 0; i < ledger.result.lastingValues(); ++i) {
+    const ResultValueRow& row = ledger.resultValues[i];
+    if (row.origin != ValueOrigin::fromNew) alike(old, row.from, result, static_cast<ValueId>(i));
+  }
+  for (const ReplacedRow& row : ledger.replaced) alike(before, row.before, result, row.by);
+}
+
 ShownValue hidden() { return {ShownValue::Form::redacted, std::string(kRedacted)}; }
 
 }  // namespace
@@ -35,67 +92,41 @@ std::string lineOf(const ShownValue& value) {
   return value.text;
 }
 
-Redaction::Redaction(const Ledger& ledger, bool showSecrets) : m_ledger(&ledger), m_showSecrets(showSecrets) {
-  markAll();
-  markCompanions();
+Redaction::Secrets Redaction::look(const Ledger& ledger) {
+  Secrets secrets;
+  NamesRead names;
+  markAll(ledger, names, secrets.marks);
+  markCompanions(ledger, secrets.marks);
   for (std::size_t content = 0; content < kContents; ++content) {
-    const auto values = snapshotOf(ledger, static_cast<Content>(content)).values();
+    const auto values = lastingValues(snapshotOf(ledger, static_cast<Content>(content)));
     for (std::size_t i = 0; i < values.size(); ++i) {
-      if (m_secret[content][i]) m_known.add(values[i].value);
+      if (secrets.marks[content][i]) secrets.known.add(values[i].value);
     }
   }
-  m_known.finish();
+  // What is set aside is the same in all three.
+  ledger.old.visitSetAside([&](std::string_view name, std::string_view value) {
+    if (names.isSecret(name, value)) secrets.known.add(value);
+  });
+  secrets.known.finish();
   for (std::size_t content = 0; content < kContents; ++content) {
-    const auto values = snapshotOf(ledger, static_cast<Content>(content)).values();
+    const auto values = lastingValues(snapshotOf(ledger, static_cast<Content>(content)));
     for (std::size_t i = 0; i < values.size(); ++i) {
-      if (!m_secret[content][i] && m_known.isRepeatedIn(values[i].value)) m_secret[content][i] = true;
+      if (!secrets.marks[content][i] && secrets.known.isRepeatedIn(values[i].value)) secrets.marks[content][i] = true;
     }
   }
+  return secrets;
 }
 
-void Redaction::markAll() {
-  std::unordered_map<std::string_view, NameSays> names;  // few names, many values
-  const auto says = [&](std::string_view name) {
-    const auto [place, isNew] = names.try_emplace(name, NameSays::nothing);
-    if (isNew) place->second = nameSays(name);
-    return place->second;
-  };
-  for (std::size_t content = 0; content < kContents; ++content) {
-    const cfgstore::Snapshot& snapshot = snapshotOf(*m_ledger, static_cast<Content>(content));
-    std::vector<bool>& secret = m_secret[content];
-    secret.reserve(snapshot.values().size());
-    for (const cfgstore::SnapshotValue& value : snapshot.values()) {
-      const NameSays name = says(snapshot.attributeOf(value).name);
-      secret.push_back(name == NameSays::secret || (name == NameSays::nothing && looksSecret(value.value)));
-    }
-  }
+bool Redaction::isSecret(Content content, ValueId value) const {
+  const std::vector<bool>& marks = secrets().marks[indexOf(content)];
+  if (value < marks.size()) return marks[value];
+  const cfgstore::Snapshot& snapshot = snapshotOf(*m_ledger, content);  // of an entry that is unfolded
+  const cfgstore::SnapshotValue& unfolded = snapshot.values()[value];
+  return isSecret(snapshot.attributeOf(unfolded).name, unfolded.value);
 }
-
-// A value is as secret as the one that it comes from, or that it stands in the place of, whatever their attributes are.
-void Redaction::markCompanions() {
-  std::vector<bool>& old = m_secret[indexOf(Content::old)];
-  std::vector<bool>& before = m_secret[indexOf(Content::before)];
-  std::vector<bool>& result = m_secret[indexOf(Content::result)];
-  const auto alike = [](std::vector<bool>& left, ValueId leftId, std::vector<bool>& right, ValueId rightId) {
-    if (leftId >= left.size() || rightId >= right.size()) return;
-    const bool either = left[leftId] || right[rightId];
-    left[leftId] = either;
-    right[rightId] = either;
-  };
-  for (std::size_t i = 0; i < m_ledger->oldValues.size(); ++i) {
-    alike(old, static_cast<ValueId>(i), result, m_ledger->oldValues[i].place);
-  }
-  for (std::size_t i = 0; i < m_ledger->resultValues.size(); ++i) {
-    const ResultValueRow& row = m_ledger->resultValues[i];
-    if (row.origin != ValueOrigin::fromNew) alike(old, row.from, result, static_cast<ValueId>(i));
-  }
-  for (const ReplacedRow& row : m_ledger->replaced) alike(before, row.before, result, row.by);
-}
-
-bool Redaction::isSecret(Content content, ValueId value) const { return m_secret[indexOf(content)][value]; }
 
 bool Redaction::isSecret(std::string_view attribute, std::string_view value) const {
-  return tool::isSecret(attribute, value) || m_known.isRepeatedIn(value);
+  return tool::isSecret(attribute, value) || secrets().known.isRepeatedIn(value);
 }
 
 ShownValue Redaction::shown(Content content, ValueId value) const {
@@ -109,7 +140,7 @@ ShownValue Redaction::shown(std::string_view attribute, std::string_view value) 
 }
 
 std::string Redaction::words(std::string_view text) const {
-  return m_showSecrets ? std::string(text) : m_known.replacedIn(text, kRedacted);
+  return m_showSecrets ? std::string(text) : secrets().known.replacedIn(text, kRedacted);
 }
 
 }  // namespace tool

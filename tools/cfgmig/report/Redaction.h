@@ -8,6 +8,7 @@
 #define CFGMIG_TOOL_REPORT_REDACTION_H
 
 #include <array>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -39,8 +40,8 @@ std::string lineOf(const ShownValue& value);
 
 class Redaction {
  public:
-  // Looks at every value of the three configurations once. The ledger must outlive it.
-  Redaction(const Ledger& ledger, bool showSecrets);
+  // Looks at every value of the three configurations once, when it is first asked for one. The ledger must outlive it.
+  Redaction(const Ledger& ledger, bool showSecrets) : m_ledger(&ledger), m_showSecrets(showSecrets) {}
 
   bool showsSecrets() const { return m_showSecrets; }
 
@@ -57,13 +58,21 @@ class Redaction {
   std::string words(std::string_view text) const;
 
  private:
-  void markAll();
-  void markCompanions();
+  using Marks = std::array<std::vector<bool>, kContents>;  // of the values of each content: whether it is a secret
+  struct Secrets {
+    Marks marks;
+    KnownSecrets known;
+  };
+
+  static Secrets look(const Ledger& ledger);
+  const Secrets& secrets() const {
+    if (!m_secrets) m_secrets = look(*m_ledger);
+    return *m_secrets;
+  }
 
   const Ledger* m_ledger;
   bool m_showSecrets;
-  std::array<std::vector<bool>, kContents> m_secret;
-  KnownSecrets m_known;
+  mutable std::optional<Secrets> m_secrets;  // a summary of a merge without losses needs none
 };
 
 }  // namespace tool

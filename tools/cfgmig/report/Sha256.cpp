@@ -10,42 +10,51 @@
 namespace tool {
 namespace {
 
-using Digest = std::array<unsigned char, EVP_MAX_MD_SIZE>;
-
-std::string hexadecimal(const Digest& digest, unsigned size) {
-  constexpr std::string_view kDigits = "0123456789abcdef";
-  std::string text;
-  for (std::size_t i = 0; i < size; ++i) {
-    text += kDigits[digest[i] >> 4U];
-    text += kDigits[digest[i] & 15U];
+// A digest that is being made.
+class Digest {
+ public:
+  Digest() : m_context(EVP_MD_CTX_new(), EVP_MD_CTX_free) {
+    if (!m_context || EVP_DigestInit_ex(m_context.get(), EVP_sha256(), nullptr) != 1) throw std::bad_alloc();
   }
-  return text;
-}
+  void add(std::string_view bytes) { EVP_DigestUpdate(m_context.get(), bytes.data(), bytes.size()); }
+  std::string hexadecimal() {
+    constexpr std::string_view kDigits = "0123456789abcdef";
+    std::array<unsigned char, EVP_MAX_MD_SIZE> digest{};
+    unsigned size = 0;
+    EVP_DigestFinal_ex(m_context.get(), digest.data(), &size);
+    std::string text;
+    for (std::size_t i = 0; i < size; ++i) {
+      text += kDigits[digest[i] >> 4U];
+      text += kDigits[digest[i] & 15U];
+    }
+    return text;
+  }
+
+ private:
+  std::unique_ptr<EVP_MD_CTX, void (*)(EVP_MD_CTX*)> m_context;
+};
 
 }  // namespace
 
-std::string sha256(std::string_view bytes) {
-  Digest digest{};
-  unsigned size = 0;
-  if (EVP_Digest(bytes.data(), bytes.size(), digest.data(), &size, EVP_sha256(), nullptr) != 1) throw std::bad_alloc();
-  return hexadecimal(digest, size);
+std::string sha256(std::string_view bytes) { return sha256(std::span(&bytes, 1)); }
+
+std::string sha256(std::span<const std::string_view> pieces) {
+  Digest digest;
+  for (const std::string_view piece : pieces) digest.add(piece);
+  return digest.hexadecimal();
 }
 
 std::string sha256OfFile(const std::string& path) {
   std::ifstream in(path, std::ios::binary);
   if (!in) return {};
-  const std::unique_ptr<EVP_MD_CTX, void (*)(EVP_MD_CTX*)> context(EVP_MD_CTX_new(), EVP_MD_CTX_free);
-  if (!context || EVP_DigestInit_ex(context.get(), EVP_sha256(), nullptr) != 1) throw std::bad_alloc();
+  Digest digest;
   std::array<char, 1U << 16U> buffer{};
   do {
     in.read(buffer.data(), buffer.size());
-    EVP_DigestUpdate(context.get(), buffer.data(), static_cast<std::size_t>(in.gcount()));
+    digest.add({buffer.data(), static_cast<std::size_t>(in.gcount())});
   } while (in);
   if (!in.eof()) return {};
-  Digest digest{};
-  unsigned size = 0;
-  EVP_DigestFinal_ex(context.get(), digest.data(), &size);
-  return hexadecimal(digest, size);
+  return digest.hexadecimal();
 }
 
 bool isSha256(std::string_view text) {

@@ -101,7 +101,7 @@ Lines linesOfLosses(const Report& report) {
   Lines lines;
   const std::size_t lost = report.ledger.count(ValueFate::lost);
   const std::string text = lost == 0 ? "nothing" : std::to_string(lost) + " of ";
-  add(lines, "lost", lost == 0 ? text : text + counted(report.ledger.oldValues.size(), "old value"),
+  add(lines, "lost", lost == 0 ? text : text + counted(report.ledger.oldValueCount(), "old value"),
       lost == 0 ? Tone::good : Tone::bad);
   if (!report.mismatches.empty()) {
     add(lines, "mismatch",
@@ -113,8 +113,8 @@ Lines linesOfLosses(const Report& report) {
 Lines linesOfSums(const Report& report) {
   const Ledger& ledger = report.ledger;
   Lines lines;
-  add(lines, "old", sumsOf<ValueFate>(ledger.oldValues.size(), ledger.fates));
-  add(lines, "result", sumsOf<ValueOrigin>(ledger.resultValues.size(), ledger.origins));
+  add(lines, "old", sumsOf<ValueFate>(ledger.oldValueCount(), ledger.fates));
+  add(lines, "result", sumsOf<ValueOrigin>(ledger.resultValueCount(), ledger.origins));
   add(lines, "replaced", counted(ledger.replaced.size(), "value") + " of the new server");
   return lines;
 }

@@ -8,6 +8,7 @@
 #include "PrintableText.h"
 #include "report/Report.h"
 #include "report/TextLines.h"
+#include "report/Unfolded.h"
 
 namespace tool {
 namespace {
@@ -149,6 +150,7 @@ void TextReport::writeResult(ValueId id, std::string_view normal) {
 }
 
 void TextReport::writeEntry(Content content, std::uint32_t number) {
+  const Unfolded unfolded(m_ledger, content, number);
   const Snapshot& snapshot = snapshotOf(m_ledger, content);
   const SnapshotEntry& entry = snapshot.entries()[number];
   m_out << '\n' << ldtr::printableDn(entry.dn) << '\n';

@@ -266,7 +266,7 @@ TEST_F(SumErrors, FindAnEntryWithoutAFate) {
   expectFound("the entry at line 1 has no fate");
 }
 TEST_F(SumErrors, FindAnEntryThatWentNowhere) {
-  ledger.oldEntries[0].target.clear();
+  ledger.oldEntries[0].target = {};
   expectFound("the entry at line 1 went nowhere");
   ledger.oldEntries[0].target = "CN=CONFIGURATION";
   ledger.oldEntries[0].fate = EntryFate::left;

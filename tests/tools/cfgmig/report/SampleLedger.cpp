@@ -191,6 +191,7 @@ void SampleLedger::setFate(std::string_view dn, std::string_view attribute, std:
 
 void SampleLedger::setEntry(std::string_view dn, tool::EntryFate fate, const std::string& method,
                             const std::string& words, std::string_view target) {
-  m_ledger.oldEntries.at(entry(Content::old, dn)) = {
-      fate, reason(method, words), target.empty() ? std::string() : cfgstore::normalDn(target).value()};
+  tool::EntryRow row{fate, reason(method, words), {}};
+  if (!target.empty()) row.target = m_targets.emplace_back(cfgstore::normalDn(target).value());
+  m_ledger.oldEntries.at(entry(Content::old, dn)) = row;
 }

@@ -3,6 +3,7 @@
 #ifndef CFGMIG_TESTS_TOOL_REPORT_SAMPLELEDGER_H
 #define CFGMIG_TESTS_TOOL_REPORT_SAMPLELEDGER_H
 
+#include <deque>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -58,6 +59,7 @@ class SampleLedger {
   std::unique_ptr<cfgstore::ConfigStore> m_old;
   std::unique_ptr<cfgstore::ConfigStore> m_before;
   std::unique_ptr<cfgstore::ConfigStore> m_result;
+  std::deque<std::string> m_targets;  // that rows refer to
   tool::Ledger m_ledger;
 };
 

@@ -5,6 +5,7 @@
 #include <unordered_map>
 
 #include "NormalDn.h"
+#include "report/Unfolded.h"
 #include "report/html/EntryRows.h"
 
 namespace tool::html {
@@ -79,6 +80,7 @@ void Account::linkReplaced() {
 
 void Account::sumUp() {
   for (std::size_t i = 0; i < m_nodes.size(); ++i) {
+    const Unfolded unfolded(m_ledger, Content::old, m_nodes[i].entry(Content::old));
     const std::vector<Row> rows = rowsOf(static_cast<std::uint32_t>(i));
     for (const Row& row : rows) m_nodes[i].words |= row.words;
     m_nodes[i].size = 1 + rows.size();

@@ -69,7 +69,8 @@ class Account {
   // The node with this normal DN, or kNone.
   std::uint32_t find(std::string_view normal) const;
 
-  // The rows of a node, by attribute, in the order of the configurations.
+  // The rows of a node, by attribute, in the order of the configurations. A node whose entries were set aside has rows,
+  // and these are valid, while they are unfolded.
   std::vector<Row> rowsOf(std::uint32_t node) const;
 
  private:

@@ -124,7 +124,7 @@ void EntryRows::placeResult(Row& row, ValueId value, const Attributes& attribute
 void EntryRows::placeBefore(Row& row, ValueId value) {
   row.before = value;
   if (!m_beforeSeen.insert(value).second) return;
-  if (m_replaced.row[value] == kNone) return;
+  if (value >= m_replaced.row.size() || m_replaced.row[value] == kNone) return;  // nothing unfolded was replaced
   row.replaced = m_replaced.row[value];
   row.words |= bitOf(kReplacedWord);
 }

@@ -40,7 +40,12 @@ Page::Page(const Report& report, std::ostream& out) : m_report(report), m_accoun
 }
 
 std::size_t Page::values() const {
-  return ledger().old.values().size() + ledger().before.values().size() + ledger().result.values().size();
+  std::size_t count = 0;
+  for (const Content content : {Content::old, Content::before, Content::result}) {
+    const cfgstore::Snapshot& snapshot = snapshotOf(ledger(), content);
+    count += snapshot.values().size() + snapshot.valuesSetAside();
+  }
+  return count;
 }
 
 void Page::value(Content content, ValueId value) {

@@ -72,12 +72,12 @@ void writeSums(Page& page) {
   }
   out << "<p class=\"soft\">Tick words to see only the values that they count, in the entries below.</p>\n"
       << "<div class=\"bands\">\n<fieldset class=\"card\"><legend>"
-      << Count{ledger.old.values().size(), "value of the old configuration", "values of the old configuration"}
+      << Count{ledger.oldValueCount(), "value of the old configuration", "values of the old configuration"}
       << "</legend>\n";
   writeBand(out, fates);
   writeChips(out, fates);
   out << "</fieldset>\n<fieldset class=\"card\"><legend>"
-      << Count{ledger.result.values().size(), "value of the result", "values of the result"} << "</legend>\n";
+      << Count{ledger.resultValueCount(), "value of the result", "values of the result"} << "</legend>\n";
   writeBand(out, origins);
   origins.push_back({kReplacedWord, ledger.replaced.size()});
   writeChips(out, origins);

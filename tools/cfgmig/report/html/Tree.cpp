@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <ostream>
 
+#include "report/Unfolded.h"
 #include "report/html/HtmlText.h"
 #include "report/html/Page.h"
 #include "report/html/Words.h"
@@ -109,6 +110,7 @@ class Tree {
   // What is seen of it while it is closed.
   void beginNode(std::uint32_t number, bool isOpen) {
     const Node& node = m_account.nodes()[number];
+    const Unfolded unfolded(m_ledger, Content::old, node.entry(Content::old));
     const std::vector<Row> rows = m_account.rowsOf(number);
     m_out << "<details class=\"e" << Classes{node.wordsBelow} << "\" id=\"e" << number << '"' << (isOpen ? " open" : "")
           << "><summary><span class=\"dn\">";
@@ -120,7 +122,9 @@ class Tree {
 
   // All that opening it shows, but the entries below it.
   void writeInside(std::uint32_t number) {
-    writeEntryFate(m_account.nodes()[number]);
+    const Node& node = m_account.nodes()[number];
+    const Unfolded unfolded(m_ledger, Content::old, node.entry(Content::old));
+    writeEntryFate(node);
     writeRows(m_account.rowsOf(number));
   }
 

@@ -99,7 +99,7 @@ void writeVerdict(Page& page) {
     for (const std::string& error : errors) out << "<li>" << Text{report.redaction.words(error)} << '\n';
     out << "</ul>\n";
   }
-  out << "<li>" << Count{page.ledger().old.values().size(), "value"} << " in "
+  out << "<li>" << Count{page.ledger().oldValueCount(), "value"} << " in "
       << Count{page.ledger().old.entries().size(), "entry", "entries"} << " of a " << Text{page.ledger().sourceVersion}
       << " server, "
       << (errors.empty() ? "each of them accounted for below." : "accounted for below as far as possible.") << '\n';

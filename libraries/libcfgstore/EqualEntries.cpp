@@ -1,0 +1,149 @@
+#include "EqualEntries.h"
+
+#include <algorithm>
+
+#include "Document.h"
+#include "LdifReader.h"
+
+namespace cfgstore {
+namespace {
+
+// The bytes of lines that follow each other in a file.
+std::string_view textOf(std::span<const Line> lines) {
+  if (lines.empty()) return {};
+  const Line& last = lines.back();
+  return {lines.front().raw, static_cast<std::size_t>(last.raw + last.size - lines.front().raw)};
+}
+
+std::uint32_t valuesIn(std::span<const Line> lines) {
+  return static_cast<std::uint32_t>(
+      std::count_if(lines.begin(), lines.end(), [](const Line& line) { return line.kind == LineKind::attribute; }));
+}
+
+}  // namespace
+
+std::string_view Document::Entry::textAsRead() const { return body.empty() ? aside : textOf(body); }
+
+std::span<const Line> Document::Entry::linesBelowDn() const {
+  const auto at = std::find_if(body.begin(), body.end(), [](const Line& line) { return line.kind == LineKind::dn; });
+  return body.subspan(static_cast<std::size_t>(at - body.begin()) + 1);
+}
+
+// What was admitted once is read again without a problem, and gives the same lines.
+std::span<const Line> Document::bodyOf(const Entry& entry, std::vector<Line>& again) const {
+  if (!entry.body.empty() || entry.aside.empty()) return entry.body;
+  TextArena unused;
+  again = readLdif(entry.aside, unused).lines;
+  return again;
+}
+
+std::vector<Line> Document::linesAsRead(EntryId entry) const {
+  std::vector<Line> again;
+  const std::span<const Line> lines = bodyOf(m_entries[entry], again);
+  return again.empty() ? std::vector<Line>(lines.begin(), lines.end()) : again;
+}
+
+// Lines take a third of the memory that the text takes, and nobody looks at these.
+void Document::dropLinesSetAside() {
+  std::size_t count = m_lines.size();
+  for (const Entry& entry : m_entries) count -= entry.setAside ? entry.body.size() : 0;
+  std::vector<Line> left;
+  left.reserve(count);  // so that the spans stay valid
+  const auto keep = [&left](std::span<const Line>& lines) {
+    const std::size_t at = left.size();
+    left.insert(left.end(), lines.begin(), lines.end());
+    lines = std::span<const Line>(left).subspan(at);
+  };
+  for (Entry& entry : m_entries) {
+    if (entry.setAside && !entry.body.empty()) {
+      entry.aside = textOf(entry.body);
+      entry.body = {};
+    } else {
+      keep(entry.body);
+    }
+    keep(entry.gap);
+  }
+  m_hasAllLines = m_hasAllLines && left.size() == m_lines.size();
+  m_lines = std::move(left);
+}
+
+void Document::setAsideEqual(Document& other, const EntryTest& mayBe) {
+  EntryId next = other.m_entries[kHead].next;  // mostly both files have the same order
+  for (EntryId id = m_entries[kHead].next; id != kNoEntry; id = m_entries[id].next) {
+    Entry& mine = m_entries[id];
+    if (!mine.isAsRead() || mine.setAside) continue;
+    if (next == kNoEntry || other.m_entries[next].normal != mine.normal) next = other.lookUp(mine.normal);
+    if (next == kNoEntry) continue;
+    Entry& theirs = other.m_entries[next];
+    next = theirs.next;
+    if (!theirs.isAsRead() || theirs.setAside) continue;
+    const std::span<const Line> lines = mine.linesBelowDn();
+    if (textOf(lines) != textOf(theirs.linesBelowDn()) || !mayBe(mine.normal, lines)) continue;
+    mine.setAside = theirs.setAside = true;
+    mine.valuesSetAside = theirs.valuesSetAside = valuesIn(lines);
+    m_valuesSetAside += mine.valuesSetAside;
+    other.m_valuesSetAside += mine.valuesSetAside;
+  }
+  dropLinesSetAside();
+  other.dropLinesSetAside();
+}
+
+std::vector<std::string_view> Document::setAsideLike(const Document& model) {
+  std::vector<std::string_view> others;
+  EntryId next = m_entries[kHead].next;
+  for (EntryId id = model.m_entries[kHead].next; id != kNoEntry; id = model.m_entries[id].next) {
+    const Entry& entry = model.m_entries[id];
+    if (!entry.setAside) continue;
+    if (next == kNoEntry || m_entries[next].normal != entry.normal) next = lookUp(entry.normal);
+    if (next == kNoEntry || !m_entries[next].isAsRead() || m_entries[next].textAsRead() != entry.textAsRead()) {
+      others.push_back(entry.normal);
+      continue;
+    }
+    m_entries[next].setAside = true;
+    m_entries[next].valuesSetAside = entry.valuesSetAside;
+    m_valuesSetAside += entry.valuesSetAside;
+    next = m_entries[next].next;
+  }
+  dropLinesSetAside();
+  return others;
+}
+
+void Document::putBack(std::string_view normal) {
+  const EntryId id = lookUp(normal);
+  if (id == kNoEntry || !m_entries[id].setAside) return;
+  m_entries[id].setAside = false;
+  m_valuesSetAside -= m_entries[id].valuesSetAside;
+}
+
+void Document::visitSetAside(const std::function<void(std::string_view, std::string_view)>& visit) const {
+  std::string name;
+  std::string value;
+  std::vector<Line> again;
+  for (EntryId id = m_entries[kHead].next; id != kNoEntry; id = m_entries[id].next) {
+    if (!m_entries[id].setAside) continue;
+    for (const Line& line : bodyOf(m_entries[id], again)) {
+      if (line.kind == LineKind::attribute) visit(lineName(line, name), lineValue(line, value));
+    }
+  }
+}
+
+bool Document::isSetAsideUntouched() const {
+  return std::all_of(m_entries.begin(), m_entries.end(),
+                     [](const Entry& entry) { return !entry.setAside || entry.isAsRead(); });
+}
+
+void setAsideEqualEntries(ConfigStore& one, ConfigStore& other, const EqualEntryTest& mayBe) {
+  one.document().setAsideEqual(other.document(), mayBe);
+}
+
+void learnHabits(ConfigStore& store) { store.document().habits(); }
+
+std::vector<std::string_view> setAsideLike(const ConfigStore& model, ConfigStore& store) {
+  return store.document().setAsideLike(model.document());
+}
+
+void putBack(ConfigStore& store, std::string_view normal) { store.document().putBack(normal); }
+
+bool isSetAsideUntouched(const ConfigStore& store) { return store.document().isSetAsideUntouched(); }
+
+}  // namespace cfgstore

@@ -1,0 +1,169 @@
+// What both configurations hold alike is set aside before a merge. Nobody can tell from what comes out of it.
+
+#include "SettledEntries.h"
+
+#include <gmock/gmock.h>
+#include <rapidcheck/gtest.h>
+
+#include <sstream>
+
+#include "Audited.h"
+#include "ConfigFile.h"
+#include "EqualEntries.h"
+#include "RandomConfiguration.h"
+#include "audit/Rules.h"
+#include "finding/Finding.h"
+#include "ledger/LedgerBuilder.h"
+#include "report/Report.h"
+
+namespace {
+
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+
+cfgstore::ConfigStore& storeOf(ConfigFile& configuration) {
+  return cfgstore::ConfigStore::of(*configuration.getCfgUtils());
+}
+
+// A merge, with or without setting aside what is settled.
+struct Merge {
+  Merge(const std::string& version, const std::string& oldText, const std::string& newText, bool setsAside)
+      : old(workspace.write("old.ldif", oldText), nullptr), now(workspace.write("new.ldif", newText), nullptr) {
+    if (setsAside) tool::setSettledEntriesAside(storeOf(old), storeOf(now));
+    if (old.getDns() != 0 || now.getDns() != 0) throw std::runtime_error("getDns failed");
+    ledger = tool::migrate(old, now, version);
+  }
+
+  std::string result() { return storeOf(now).text(); }
+
+  std::string report(tool::Format format, bool showSecrets) const {
+    tool::Report report(ledger, showSecrets);
+    report.findings = tool::findAll(ledger, {});
+    report.time = "2026-11-21T09:14:00Z";
+    std::ostringstream out;
+    writeReport(report, format, out);
+    return out.str();
+  }
+
+  Workspace workspace;
+  ConfigFile old;
+  ConfigFile now;
+  tool::Ledger ledger;
+};
+
+// Entries with random settings that both configurations have below DNs that no rule names, some of them changed.
+struct Shared {
+  std::string ofOld;
+  std::string ofNew;
+};
+
+Shared sharedEntries() {
+  Shared shared;
+  int number = 0;
+  std::istringstream lines(*randomConfiguration());
+  bool isChanged = false;
+  for (std::string line; std::getline(lines, line);) {
+    if (line.starts_with("dn:")) {
+      const std::string own = std::to_string(number++);
+      shared.ofOld += "dn: cn=Plain " + own + ", cn=Configuration\n";
+      shared.ofNew += *rc::gen::arbitrary<bool>() ? "dn: CN=PLAIN " + own + ",CN=CONFIGURATION\n"
+                                                  : "dn: cn=Plain " + own + ", cn=Configuration\n";
+      isChanged = *rc::gen::inRange(0, 4) == 0;
+      continue;
+    }
+    shared.ofOld += line + "\n";
+    shared.ofNew += (isChanged && !line.empty() ? "zor-note: changed\n" + line : line) + "\n";
+  }
+  return shared;
+}
+
+RC_GTEST_PROP(SettledEntries, ChangeNothingThatComesOutOfAMerge, ()) {
+  const std::string version = *rc::gen::element<std::string>("4.1", "5.1", "5.2", "6.0");
+  const Shared shared = sharedEntries();
+  const std::string old = *randomConfiguration() + shared.ofOld;
+  const std::string before = *randomConfiguration() + shared.ofNew;
+  RC_LOG() << "version " << version << "\n--- old\n" << old << "--- before\n" << before;
+  Merge whole(version, old, before, false);
+  Merge merge(version, old, before, true);
+  RC_ASSERT(merge.result() == whole.result());
+  RC_ASSERT(merge.ledger.fates == whole.ledger.fates);
+  RC_ASSERT(merge.ledger.origins == whole.ledger.origins);
+  RC_ASSERT(merge.ledger.oldValueCount() == whole.ledger.oldValueCount());
+  RC_ASSERT(tool::sumErrors(merge.ledger).empty());
+  for (const tool::Format format : {tool::Format::text, tool::Format::ldif, tool::Format::html}) {
+    RC_ASSERT(merge.report(format, true) == whole.report(format, true));
+    RC_ASSERT(merge.report(format, false) == whole.report(format, false));
+  }
+
+  // The audit of the result, in which the same is set aside, agrees as well.
+  Workspace workspace;
+  ConfigFile result(workspace.write("result.ldif", merge.result()), nullptr);
+  RC_ASSERT(cfgstore::setAsideLike(storeOf(merge.now), storeOf(result)).empty());
+  const cfgstore::Snapshot content(storeOf(result));
+  const tool::Audit audit = tool::audit(merge.ledger.old, merge.ledger.before, content, version);
+  RC_ASSERT(tool::compareWithLedger(audit, merge.ledger).empty());
+  RC_ASSERT(audit.discrepancies.empty());
+  RC_ASSERT(audit.fates == merge.ledger.fates);
+  RC_ASSERT(audit.origins == merge.ledger.origins);
+}
+
+constexpr const char* kRoot = "dn: cn=Configuration\nobjectClass: top\ncn: Configuration\nzor-slapdVersion: 6.0\n\n";
+
+std::size_t setAside(const std::string& entry) {
+  Workspace workspace;
+  ConfigFile old(workspace.write("old.ldif", kRoot + entry), nullptr);
+  ConfigFile now(workspace.write("new.ldif", kRoot + entry), nullptr);
+  tool::setSettledEntriesAside(storeOf(old), storeOf(now));
+  return cfgstore::Snapshot(storeOf(now)).valuesSetAside();
+}
+
+TEST(SettledEntries, AreSetAsideWithAllTheirValues) {
+  EXPECT_EQ(setAside("dn: cn=A, cn=Configuration\nobjectClass: top\ncn: A\nzor-slapdPlugin: x\nzor-slapdPlugin: x\n"),
+            4U);
+}
+
+TEST(SettledEntries, AreNoneThatARuleNames) {
+  for (const std::string_view dn : tool::auditing::entriesOfRules()) {
+    if (dn == "CN=CONFIGURATION") continue;
+    EXPECT_EQ(setAside("dn: " + std::string(dn) + "\nobjectClass: top\ncn: A\n"), 0U) << dn;
+  }
+  EXPECT_EQ(setAside("dn: cn=zor  halvorn , cn=Schemas, cn=Configuration\nobjectClass: top\ncn: A\n"), 0U);
+}
+
+TEST(SettledEntries, AreNoneOutsideTheConfiguration) { EXPECT_EQ(setAside("dn: cn=A\nobjectClass: top\ncn: A\n"), 0U); }
+
+TEST(SettledEntries, AreNoneWithSettingsThatFindingsLookAt) {
+  const std::string entry = "dn: cn=A, cn=Configuration\nobjectClass: top\n";
+  for (const char* line :
+       {"zor-slapdIncludeSchema: /etc/a.at", "ZOR-SLAPDSCHEMAADDITIONS: /etc/a.at", "zor-slapdMigrationInfo: 4.1 PEER",
+        "objectclass: zor-slapdPendingMigration", "zor-slapdErrorLog: /opt/zor/log/x", "zor-slapdTraceMessageLog: x",
+        "zor-slapdLog: x", "zor-auditLog: x", "zor-slapdBulkloadErrors: x", "zor-slapdCLIErrors: x"}) {
+    EXPECT_EQ(setAside(entry + line + "\n"), 0U) << line;
+  }
+  EXPECT_EQ(setAside(entry + "zor-slapdErrorLogs: x\n"), 2U);
+}
+
+TEST(SettledEntries, KeepTheirSecretsOutOfWhatIsSaidOfOthers) {
+  const std::string plain = "dn: cn=A, cn=Configuration\nobjectClass: top\ncn: A\nzor-slapdAdminPW: Pl4nted-S3cret\n\n";
+  const std::string other = "dn: cn=B, cn=Configuration\nobjectClass: top\ncn: B\nzor-note: ";
+  const Merge merge("6.0", kRoot + plain + other + "see Pl4nted-S3cret\n", kRoot + plain + other + "x\n", true);
+  EXPECT_EQ(merge.ledger.old.valuesSetAside(), 3U);
+  EXPECT_THAT(merge.report(tool::Format::text, false), Not(HasSubstr("Pl4nted")));
+  EXPECT_THAT(merge.report(tool::Format::text, true), HasSubstr("see Pl4nted-S3cret"));
+}
+
+TEST(SettledEntries, TellWhichPathsAreAnybodys) {
+  const std::string log =
+      "dn: cn=Log, cn=Configuration\nobjectClass: top\ncn: Log\nzor-slapdErrorLog: /opt/acme/log/e\n\n";
+  const std::string shared = "dn: cn=A, cn=Configuration\nobjectClass: top\ncn: A\nzor-note: /opt/acme/x\n\n";
+  const std::string carried = "dn: cn=B, cn=Configuration\nobjectClass: top\ncn: B\nzor-note: /opt/acme/y\n";
+  for (const bool setsAside : {false, true}) {
+    const Merge with("6.0", kRoot + log + shared + carried, kRoot + shared, setsAside);
+    EXPECT_THAT(with.report(tool::Format::text, true), Not(HasSubstr("old installation"))) << setsAside;
+    const Merge without("6.0", kRoot + log + carried, std::string(kRoot), setsAside);
+    EXPECT_THAT(without.report(tool::Format::text, true), HasSubstr("old installation")) << setsAside;
+  }
+}
+
+}  // namespace
