@@ -34,6 +34,7 @@ void ldtr_exit_errcode(unsigned long identifier, unsigned long exitClass, unsign
 // of the mask is set. The library builds it with the method's identifier, the record word 0x3400000 and null.
 class ldtr_formater_local {
  public:
+  // Keeps the three for the messages to come.
   ldtr_formater_local(unsigned long identifier, unsigned long record, const void* data)
       : m_identifier(identifier), m_record(record), m_data(data) {}
 
@@ -41,6 +42,7 @@ class ldtr_formater_local {
   // The format carries its own newline.
   void debug(unsigned long messageClass, const char* format, ...) __attribute__((format(printf, 3, 4)));
 
+  // What it was built with.
   unsigned long identifier() const { return m_identifier; }
   unsigned long record() const { return m_record; }
   const void* data() const { return m_data; }
@@ -54,10 +56,13 @@ class ldtr_formater_local {
 // The same for code that has no trace identifier. The library builds it with the record word 0x3400000.
 class ldtr_formater_global {
  public:
+  // Keeps the record word for the messages to come.
   explicit ldtr_formater_global(unsigned long record) : m_record(record) {}
 
+  // As that of ldtr_formater_local.
   void debug(unsigned long messageClass, const char* format, ...) __attribute__((format(printf, 3, 4)));
 
+  // What it was built with.
   unsigned long record() const { return m_record; }
 
  private:

@@ -34,8 +34,9 @@ struct Problem {
 // the first line that is wrong and what is wrong with it, and how many more problems there are.
 class OpenError : public std::runtime_error {
  public:
+  // `problems` has at least one.
   OpenError(const std::string& path, std::vector<Problem> problems);
-  const std::string& path() const { return m_path; }
+  const std::string& path() const { return m_path; }                   // as it was passed to the constructor
   const std::vector<Problem>& problems() const { return m_problems; }  // in file order, at least one
 
  private:
@@ -64,6 +65,7 @@ class RestoreError : public SaveError {
   using SaveError::SaveError;
 };
 
+// The write operations of CfgUtils.
 enum class Operation { addValue, delValue, setValue, addEntry, removeEntry };
 
 // One write that the store was asked for, successful or not. Valid during the call of the observer only.
@@ -78,11 +80,13 @@ struct Write {
                                          // was there already, a list of nothing
 };
 
+// Told of a write after it.
 using Observer = std::function<void(const Write&)>;
 
 // Asked before a write: 0 lets it happen, anything else is what the store answers instead. `rc` of the write is 0.
 using WriteGate = std::function<int(const Write&)>;
 
+// Whether the file that a save replaces is kept beside the new one.
 enum class Backup { none, keep };
 
 struct SaveResult {
@@ -96,6 +100,7 @@ struct SaveResult {
 // The store behind one CfgUtils. It lives as long as the CfgUtils, which owns it.
 class ConfigStore {
  public:
+  // That of an open CfgUtils.
   static ConfigStore& of(OVOConfigUtils::CfgUtils& utils);
 
   explicit ConfigStore(const std::string& path);  // throws OpenError
@@ -103,6 +108,7 @@ class ConfigStore {
   ConfigStore(const ConfigStore&) = delete;
   ConfigStore& operator=(const ConfigStore&) = delete;
 
+  // As it was passed to the constructor.
   const std::string& path() const;
 
   // Calls `observer` after every write operation from now on, also for those that failed. One observer at a time;
@@ -111,8 +117,8 @@ class ConfigStore {
   const Observer& observer() const;
 
   // Every write from now on is refused that `gate` refuses; an empty function ends it. For tests and failure drills: a
-  // product's store may refuse any write, and this one hardly ever does. The gate must not use the store; what it throws
-  // reaches the caller, and nothing is written then.
+  // product's store may refuse any write, and this one hardly ever does. The gate must not use the store; what it
+  // throws reaches the caller, and nothing is written then.
   void refuseWith(WriteGate gate);
   const WriteGate& gate() const;
 
@@ -150,7 +156,8 @@ class ConfigStore {
   // list if it has one.
   unsigned permissions() const;
 
-  Document& document();  // for the store's own code and its tests
+  // For the store's own code and its tests.
+  Document& document();
   const Document& document() const;
 
  private:

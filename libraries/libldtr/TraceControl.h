@@ -22,6 +22,7 @@
 
 namespace ldtr {
 
+// The bits of the event mask: entry and exit records of public methods, those of internal methods, debug messages.
 inline constexpr std::uint32_t kPublicEntry = 0x1000;
 inline constexpr std::uint32_t kPublicExit = 0x2000;
 inline constexpr std::uint32_t kInternalEntry = 0x10000;
@@ -29,6 +30,7 @@ inline constexpr std::uint32_t kInternalExit = 0x20000;
 inline constexpr std::uint32_t kDebug = 0x4000000;
 inline constexpr std::uint32_t kEverything = 0xffffffff;
 
+// A method was entered, a method ended, a method has something to say.
 enum class RecordKind { entry, exit, debug };
 
 // One trace record. Valid during the call of the sink only.
@@ -44,9 +46,11 @@ struct Record {
   std::string_view message;        // debug records, as formatted, its newline included
 };
 
+// Takes a record. Called from each thread that traces, also from several at once.
 using Sink = std::function<void(const Record&)>;
 
-void setEvents(std::uint32_t mask);  // sets trcEvents
+// Sets trcEvents, and reads it.
+void setEvents(std::uint32_t mask);
 std::uint32_t events();
 
 // The mask that `text` writes, "67108864" or "0x4000000"; nothing when it is not a number of 32 bits.

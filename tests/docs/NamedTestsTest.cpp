@@ -1,4 +1,4 @@
-// NamedTestsTest.cpp -- where a page says which test proves something, there is such a test.
+// NamedTestsTest.cpp -- where a page of docs/ says which test proves something, there is such a test.
 
 #include <gtest/gtest.h>
 
@@ -43,9 +43,15 @@ std::set<std::string> namedTests(const std::string& page) {
 
 }  // namespace
 
-TEST(StorePage, NamesTestsThatThereAre) {
+TEST(Pages, NameTestsThatThereAre) {
   const std::set<std::string> defined = definedTests();
-  const std::set<std::string> named = namedTests(contentOf(CFGMIG_DOCS_DIRECTORY "/store.md"));
-  EXPECT_GT(named.size(), 50U);
-  for (const std::string& test : named) EXPECT_TRUE(defined.contains(test)) << test;
+  std::size_t named = 0;
+  for (const auto& file : std::filesystem::recursive_directory_iterator(CFGMIG_DOCS_DIRECTORY)) {
+    if (file.path().extension() != ".md") continue;
+    for (const std::string& test : namedTests(contentOf(file.path()))) {
+      ++named;
+      EXPECT_TRUE(defined.contains(test)) << file.path() << " names " << test;
+    }
+  }
+  EXPECT_GT(named, 50U);
 }

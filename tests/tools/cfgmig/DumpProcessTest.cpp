@@ -7,7 +7,6 @@
 #include <iterator>
 #include <nlohmann/json.hpp>
 
-#include "ExamplePath.h"
 #include "SampleFiles.h"
 #include "ToolProcess.h"
 #include "Workspace.h"
@@ -223,27 +222,6 @@ TEST_F(Dump, TellsThatItsOutputCannotBeWritten) {
   const auto result = runTool(ToolSetup{{"dump", m_files.path("f")}, {}, {}, "/dev/full"});
   EXPECT_EQ(result.status, 1);
   EXPECT_EQ(result.err, "cfgmig: standard output cannot be written; some or all of it is missing\n");
-}
-
-// The block of the page that begins with these lines, up to its end.
-std::string documented(const std::string& begin) {
-  std::ifstream in(examplePath("../docs/dump.md"));
-  const std::string page{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-  const auto at = page.find(begin);
-  if (at == std::string::npos) return "";
-  const auto text = page.find('\n', at) + 1;
-  return page.substr(text, page.find("```", text) - text);
-}
-
-TEST_F(Dump, WritesWhatItsPageShows) {
-  m_files.write("server.conf", std::string(11, '\n') +
-                                   "dn: cn=Front End, cn=Configuration\nobjectClass: top\ncn: Front End\n"
-                                   "zor-slapdSetenv: A=1\nzor-slapdSetenv: A=1\nzor-picture:: /9g=\n"
-                                   "zor-slapdAdminPW: Pl4nted-S3cret\n");
-  const auto run = [&](std::vector<std::string> words) { return runTool(ToolSetup{words, {}, m_files.path("")}).out; };
-  EXPECT_EQ(run({"dump", "server.conf", "--redact"}), documented("```text\ncn="));
-  EXPECT_EQ(Json::parse(run({"dump", "server.conf", "--redact", "--json"})),
-            Json::parse(documented("```json\n{\n  \"format_version\"")));
 }
 
 TEST_F(Dump, TouchesNothing) {
