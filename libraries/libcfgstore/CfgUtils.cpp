@@ -3,6 +3,7 @@
 #include "CfgUtils.h"
 
 #include <memory>
+#include <span>
 #include <string_view>
 #include <type_traits>
 #include <vector>
@@ -68,6 +69,7 @@ int CfgUtils::getParamArrayValueInfo(const char* dn, const char* attribute, char
   const EntryLines::Attribute found = lines.find(attribute);
   if (found == EntryLines::kNone) return cfgstore::kNoSuchAttribute;
   ListBuilder list;
+  list.expect(lines.lineCount(found));
   lines.visitValues(found, [&](std::string_view value) { list.add(value); });
   list.handOver(values, count);
   return cfgstore::kSuccess;
@@ -81,8 +83,17 @@ int CfgUtils::addValue(const char* dn, const char* attribute, const char* value)
 }
 
 int CfgUtils::delValue(const char* dn, const char* attribute, char** values) {
-  std::vector<std::string_view> listed;
-  for (char** value = values; value != nullptr && *value != nullptr; ++value) listed.emplace_back(*value);
+  // Nearly always it is one value.
+  std::string_view one;
+  std::vector<std::string_view> several;
+  std::span<const std::string_view> listed;
+  if (values != nullptr && values[0] != nullptr && values[1] == nullptr) {
+    one = values[0];
+    listed = std::span(&one, 1);
+  } else {
+    for (char** value = values; value != nullptr && *value != nullptr; ++value) several.emplace_back(*value);
+    listed = several;
+  }
   JournalEntry journal(m_implementation->store, Operation::delValue, dn, attribute, listed);
   if (dn == nullptr || attribute == nullptr || values == nullptr) return journal.finish(cfgstore::kParamError);
   if (const int rc = journal.refusal(); rc != 0) return journal.finish(rc);

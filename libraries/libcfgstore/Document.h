@@ -52,6 +52,10 @@ class Document {
                     const std::function<void(EntryId entry, std::string_view normal, const Line& dn,
                                              std::size_t values)>& visitSetAside) const;
 
+  // Not less than there are entries, and values in those that are not set aside; about as many.
+  std::size_t mostEntries() const { return m_entries.size(); }
+  std::size_t mostValues() const { return m_lines.size() + m_edits; }
+
   // The lines of an entry as it was read, comments above the dn line included.
   std::vector<Line> linesAsRead(EntryId entry) const;
 
@@ -59,6 +63,7 @@ class Document {
   // The first sets aside, in both documents, what both hold alike (EqualEntries.h) and `mayBe` agrees to; the second
   // what `model` has set aside and this document holds with the very same bytes, and returns the normal DNs of the
   // others. Entries that were edited are never set aside.
+  // `mayBe` is asked in several threads at once.
   using EntryTest = std::function<bool(std::string_view normal, std::span<const Line> lines)>;
   void setAsideEqual(Document& other, const EntryTest& mayBe);
   std::vector<std::string_view> setAsideLike(const Document& model);
@@ -120,6 +125,7 @@ class Document {
 
   EntryLines& editable(EntryId entry);
   std::span<const Line> bodyOf(const Entry& entry, std::vector<Line>& again) const;
+  std::size_t setAsideEqual(Document& other, const EntryTest& mayBe, EntryId begin, EntryId end);
   void dropLinesSetAside();
   Line newLine(std::string_view name, std::string_view value);
   EntryId lookUp(std::string_view normal) const;

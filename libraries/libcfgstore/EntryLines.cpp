@@ -35,6 +35,7 @@ void EntryLines::assign(std::span<const Line> lines) {
   m_byName.clear();
   m_byValue.clear();
   m_first = m_lastNamed = kNoNode;
+  m_lastFound = 0;
   m_nodes.reserve(lines.size());
   std::string scratch;
   for (const Line& line : lines) {
@@ -57,8 +58,12 @@ EntryLines::Attribute EntryLines::findAny(std::string_view name) const {
   };
   if (m_byName.empty()) {
     const std::uint32_t key = keyOf(name);
+    for (Attribute attribute = m_lastFound; attribute < m_attributes.size() && attribute - m_lastFound < 2;
+         ++attribute) {
+      if (m_attributes[attribute].nameKey == key && matches(attribute)) return m_lastFound = attribute;
+    }
     for (Attribute attribute = 0; attribute < m_attributes.size(); ++attribute) {
-      if (m_attributes[attribute].nameKey == key && matches(attribute)) return attribute;
+      if (m_attributes[attribute].nameKey == key && matches(attribute)) return m_lastFound = attribute;
     }
     return kNone;
   }

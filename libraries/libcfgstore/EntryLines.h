@@ -42,6 +42,9 @@ class EntryLines {
   bool hasValue(Attribute attribute, std::string_view value) const;
   bool isOnlyValue(Attribute attribute, std::string_view value) const;
 
+  // How many lines the attribute has: not less than it has values.
+  std::size_t lineCount(Attribute attribute) const { return m_attributes[attribute].count; }
+
   // How the entry writes the attribute's name: as its first line does.
   std::string nameAsWritten(Attribute attribute) const;
 
@@ -121,6 +124,7 @@ class EntryLines {
   std::unordered_multimap<std::size_t, Attribute> m_byName;  // filled when there are many attributes
   mutable std::unordered_map<Attribute, ByValue> m_byValue;  // for attributes with many values, once it is needed
   mutable std::string m_scratch;
+  mutable Attribute m_lastFound = 0;  // mostly it is asked for again, or the one behind it
 };
 
 }  // namespace cfgstore

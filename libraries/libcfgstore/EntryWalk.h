@@ -14,10 +14,13 @@
 
 // Belongs to its handle and to its cursors, and goes with the last of them.
 struct _CFGMessage {
+  static constexpr std::size_t kUsualNames = 500;  // bytes that most entries need
+
   std::string names;  // each followed by a zero byte
   std::size_t owners = 1;
 
   void addName(std::string_view name) {
+    if (names.empty()) names.reserve(kUsualNames);
     names += name;
     names += '\0';
   }

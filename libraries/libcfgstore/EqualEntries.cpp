@@ -1,12 +1,16 @@
 #include "EqualEntries.h"
 
 #include <algorithm>
+#include <future>
 
 #include "Document.h"
 #include "LdifReader.h"
 
 namespace cfgstore {
 namespace {
+
+// Bytes that are worth a second thread.
+constexpr std::size_t kWorthAThread = std::size_t{1} << 20;
 
 // The bytes of lines that follow each other in a file.
 std::string_view textOf(std::span<const Line> lines) {
@@ -67,9 +71,11 @@ void Document::dropLinesSetAside() {
   m_lines = std::move(left);
 }
 
-void Document::setAsideEqual(Document& other, const EntryTest& mayBe) {
-  EntryId next = other.m_entries[kHead].next;  // mostly both files have the same order
-  for (EntryId id = m_entries[kHead].next; id != kNoEntry; id = m_entries[id].next) {
+// Looks at the entries from `begin` on, to before `end`. No two of them have the same counterpart.
+std::size_t Document::setAsideEqual(Document& other, const EntryTest& mayBe, EntryId begin, EntryId end) {
+  std::size_t count = 0;
+  EntryId next = kNoEntry;  // mostly both files have the same order
+  for (EntryId id = begin; id < end; ++id) {
     Entry& mine = m_entries[id];
     if (!mine.isAsRead() || mine.setAside) continue;
     if (next == kNoEntry || other.m_entries[next].normal != mine.normal) next = other.lookUp(mine.normal);
@@ -81,11 +87,23 @@ void Document::setAsideEqual(Document& other, const EntryTest& mayBe) {
     if (textOf(lines) != textOf(theirs.linesBelowDn()) || !mayBe(mine.normal, lines)) continue;
     mine.setAside = theirs.setAside = true;
     mine.valuesSetAside = theirs.valuesSetAside = valuesIn(lines);
-    m_valuesSetAside += mine.valuesSetAside;
-    other.m_valuesSetAside += mine.valuesSetAside;
+    count += mine.valuesSetAside;
   }
+  return count;
+}
+
+void Document::setAsideEqual(Document& other, const EntryTest& mayBe) {
+  const auto end = static_cast<EntryId>(m_entries.size());
+  const EntryId middle = m_source.text().size() < kWorthAThread ? end : end / 2;
+  auto second = std::async(middle == end ? std::launch::deferred : std::launch::async,
+                           [&] { return setAsideEqual(other, mayBe, middle, end); });
+  const std::size_t count = setAsideEqual(other, mayBe, kHead, middle) + second.get();
+  m_valuesSetAside += count;
+  other.m_valuesSetAside += count;
+  auto theirs =
+      std::async(middle == end ? std::launch::deferred : std::launch::async, [&other] { other.dropLinesSetAside(); });
   dropLinesSetAside();
-  other.dropLinesSetAside();
+  theirs.get();
 }
 
 std::vector<std::string_view> Document::setAsideLike(const Document& model) {

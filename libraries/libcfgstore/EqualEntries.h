@@ -19,7 +19,7 @@
 namespace cfgstore {
 
 // Whether an entry may be set aside that both configurations hold: its DN in normal form, and its lines below the dn
-// line.
+// line. Asked in several threads at once.
 using EqualEntryTest = std::function<bool(std::string_view normal, std::span<const Line> lines)>;
 
 // Sets aside in both stores the entries that stand in both under the same DN, however it is spelled, with the same

@@ -5,9 +5,8 @@
 
 #include <cstddef>
 #include <initializer_list>
+#include <span>
 #include <string_view>
-#include <utility>
-#include <vector>
 
 #include "ConfigStore.h"
 #include "Document.h"
@@ -18,17 +17,19 @@ namespace cfgstore {
 class JournalEntry {
  public:
   JournalEntry(ConfigStore& store, Operation operation, const char* dn, const char* attribute,
-               std::vector<std::string_view> values)
+               std::span<const std::string_view> values)
       : m_observer(store.observer()),
         m_gate(store.gate()),
         m_document(store.document()),
         m_editsBefore(m_document.edits()),
-        m_write{operation, view(dn), view(attribute), std::move(values), 0} {}
+        m_write{operation, view(dn), view(attribute), {}, 0} {
+    if (m_observer || m_gate) m_write.values.assign(values.begin(), values.end());
+  }
 
   // Null values are left out.
   JournalEntry(ConfigStore& store, Operation operation, const char* dn, const char* attribute,
                std::initializer_list<const char*> values)
-      : JournalEntry(store, operation, dn, attribute, std::vector<std::string_view>()) {
+      : JournalEntry(store, operation, dn, attribute, std::span<const std::string_view>()) {
     if (!m_observer && !m_gate) return;
     m_write.values.reserve(values.size());
     for (const char* value : values) {

@@ -121,6 +121,7 @@ bool isAttributeName(std::string_view name) {
 }
 
 bool sameLetters(std::string_view left, std::string_view right) {
+  if (left == right) return true;  // nearly always names that are the same are spelled the same
   for (std::size_t i = 0; i < left.size(); ++i) {
     if (left[i] != right[i] && lower(left[i]) != lower(right[i])) return false;
   }

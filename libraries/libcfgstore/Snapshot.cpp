@@ -26,7 +26,11 @@ class Snapshot::Builder {
  public:
   Builder(const Snapshot& snapshot, TextArena& arena, std::span<const std::string_view> pieces,
           std::size_t firstLine = 1)
-      : m_to(snapshot), m_arena(arena), m_counter(pieces, firstLine), m_finished(snapshot.m_attributes.size()) {}
+      : m_to(snapshot),
+        m_arena(arena),
+        m_countsLines(!pieces.empty()),
+        m_counter(pieces, firstLine),
+        m_finished(snapshot.m_attributes.size()) {}
 
   void add(std::string_view normal, const EntryLines& lines) {
     SnapshotEntry entry;
@@ -44,7 +48,7 @@ class Snapshot::Builder {
     entry.firstAttribute = numberOf(m_to.m_attributes);
     if (m_lineNumbers.size() < lines.size()) m_lineNumbers.resize(lines.size());
     lines.visitPlaces([&](std::size_t place, const Line& line) {
-      m_lineNumbers[place] = m_counter.numberOf(line.raw);
+      m_lineNumbers[place] = numberOf(line.raw);
       if (line.kind != LineKind::dn) return;
       entry.dn = kept(line, lineValue(line, m_scratch));
       entry.line = static_cast<std::uint32_t>(m_lineNumbers[place]);
@@ -63,7 +67,7 @@ class Snapshot::Builder {
   }
 
   void addSetAside(EntryId id, std::string_view normal, const Line& dn, std::size_t values) {
-    m_to.m_entries.push_back({kept(dn, lineValue(dn, m_scratch)), normal, static_cast<std::uint32_t>(m_counter.numberOf(dn.raw)),
+    m_to.m_entries.push_back({kept(dn, lineValue(dn, m_scratch)), normal, static_cast<std::uint32_t>(numberOf(dn.raw)),
                               numberOf(m_to.m_attributes), 0, m_nextNumber, id, true});
     m_nextNumber += static_cast<std::uint32_t>(values);
   }
@@ -73,6 +77,9 @@ class Snapshot::Builder {
   static std::uint32_t numberOf(const std::vector<T>& list) {
     return static_cast<std::uint32_t>(list.size());
   }
+
+  // Of a line, by where it begins.
+  std::size_t numberOf(const char* line) { return m_countsLines ? m_counter.numberOf(line) : 0; }
 
   // What a line holds, as it is where the line is plain, else copied.
   std::string_view kept(const Line& line, std::string_view part) { return line.flags == 0 ? part : m_arena.keep(part); }
@@ -95,6 +102,7 @@ class Snapshot::Builder {
 
   const Snapshot& m_to;  // its lists may grow here
   TextArena& m_arena;
+  bool m_countsLines;
   LineCounter m_counter;
   std::size_t m_finished;  // how many attributes have all their values
   std::uint32_t m_entry = 0;
@@ -105,9 +113,12 @@ class Snapshot::Builder {
   std::vector<std::size_t> m_lineNumbers;  // of the entry at hand, by place
 };
 
-Snapshot::Snapshot(ConfigStore& store) : m_store(&store) {
+Snapshot::Snapshot(ConfigStore& store, Lines wanted) : m_store(&store) {
   Document& document = store.document();
-  const auto pieces = document.pieces();
+  const auto pieces = wanted == Lines::counted ? document.pieces() : std::vector<std::string_view>();
+  m_entries.reserve(document.mostEntries());
+  m_attributes.reserve(document.mostValues());
+  m_values.reserve(document.mostValues());
   Builder builder(*this, m_arena, pieces);
   document.visitEntries([&](std::string_view normal, const EntryLines& lines) { builder.add(normal, lines); },
                         [&](EntryId id, std::string_view normal, const Line& dn, std::size_t values) {

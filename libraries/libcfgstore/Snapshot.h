@@ -53,8 +53,9 @@ class Snapshot {
  public:
   static constexpr std::uint32_t kNone = 0xffffffff;
 
-  Snapshot() = default;  // of nothing
-  explicit Snapshot(ConfigStore& store);
+  Snapshot() = default;                // of nothing
+  enum class Lines { counted, left };  // left: they are all 0, which takes less time
+  explicit Snapshot(ConfigStore& store, Lines wanted = Lines::counted);
 
   std::span<const SnapshotEntry> entries() const { return m_entries; }
   std::span<const SnapshotAttribute> attributes() const { return m_attributes; }

@@ -25,6 +25,9 @@ class ListBuilder {
   ListBuilder(const ListBuilder&) = delete;
   ListBuilder& operator=(const ListBuilder&) = delete;
 
+  // Makes room for so many, in one step.
+  void expect(std::size_t count) { m_strings.reserve(count); }
+
   void add(std::string_view text);
 
   // Hands the list over: a block closed by a null slot, and the number of strings in it.

@@ -1,7 +1,9 @@
 // CompareCommand.cpp -- cfgmig compare.
 
+#include <cstdint>
 #include <ostream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "Commands.h"
@@ -11,6 +13,7 @@
 #include "OutputFile.h"
 #include "SettledEntries.h"
 #include "Target.h"
+#include "Threads.h"
 #include "Tracing.h"
 
 namespace tool {
@@ -47,8 +50,7 @@ cfgstore::ConfigStore& storeOf(ConfigFile& configuration) {
 ExitStatus runCompare(const Arguments& arguments, Console& console) {
   const Inputs inputs = readInputs(arguments);
   std::vector<std::string> problems;
-  const auto [oldConfiguration, newConfiguration] =
-      openConfigurations(inputs.oldFile.path, inputs.newFile.path, problems);
+  auto [oldConfiguration, newConfiguration] = openConfigurations(inputs.oldFile.path, inputs.newFile.path, problems);
   if (!problems.empty()) throw Failure(ExitStatus::failed, problems);
   startTracing(arguments);
   // A trace tells of every entry; without one, nobody sees whether equal entries were compared value by value.
@@ -57,6 +59,9 @@ ExitStatus runCompare(const Arguments& arguments, Console& console) {
   readInventory(*newConfiguration);
 
   const Comparison comparison = compare(*oldConfiguration, *newConfiguration, arguments.has("--show-secrets"));
+  // To close a large one takes a while.
+  const std::uint64_t size = storeOf(*newConfiguration).textAsRead().size();
+  const auto closed = doBeside(size, [closing = std::move(newConfiguration)]() mutable { closing.reset(); });
   const std::string text = arguments.has("--json") ? jsonOf(comparison) : ldifOf(comparison);
   if (inputs.output.path.empty()) {
     console.out << text;

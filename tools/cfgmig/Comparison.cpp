@@ -6,11 +6,13 @@
 #include <cstdlib>
 #include <memory>
 #include <string_view>
+#include <unordered_map>
 #include <unordered_set>
 
 #include "EntryReading.h"
 #include "Failure.h"
 #include "Secrets.h"
+#include "Snapshot.h"
 
 namespace tool {
 namespace {
@@ -36,15 +38,32 @@ Inventory writtenDns(OVOConfigUtils::CfgUtils& store) {
   return dns;
 }
 
-ComparedAttribute read(OVOConfigUtils::CfgUtils& store, const std::string& dn, const std::string& name,
-                       bool showSecrets) {
+// There are few names, and many attributes have them.
+class SecretNames {
+ public:
+  NameSays says(std::string_view name) {
+    const auto [place, isNew] = m_known.try_emplace(name, NameSays::nothing);
+    if (isNew) place->second = nameSays(name);
+    return place->second;
+  }
+
+ private:
+  std::unordered_map<std::string_view, NameSays> m_known;
+};
+
+ComparedAttribute compared(const cfgstore::Snapshot& content, const cfgstore::SnapshotAttribute& from, NameSays name,
+                           bool showSecrets) {
+  const auto isSecret = [name](std::string_view value) {
+    return name == NameSays::secret || (name == NameSays::nothing && looksSecret(value));
+  };
   ComparedAttribute attribute;
-  attribute.name = name;
-  for (std::string& value : valuesOf(store, dn, name)) {
-    if (!showSecrets && isSecret(name, value)) {
+  attribute.name = from.name;
+  for (const cfgstore::SnapshotValue& value : content.valuesOf(from)) {
+    if (value.repeated) continue;
+    if (!showSecrets && isSecret(value.value)) {
       ++attribute.redacted;
     } else {
-      attribute.values.push_back(std::move(value));
+      attribute.values.emplace_back(value.value);
     }
   }
   return attribute;
@@ -107,6 +126,9 @@ Comparison compare(ConfigFile& oldConfiguration, ConfigFile& newConfiguration, b
 
   const Inventory after = inventoryOf(oldConfiguration);  // in another order
   const std::unordered_set<std::string_view> left(after.begin(), after.end());
+  // What the comparison has left of it.
+  const cfgstore::Snapshot content(cfgstore::ConfigStore::of(store), cfgstore::Snapshot::Lines::left);
+  SecretNames names;
   Comparison comparison;
   for (std::size_t i = 0; i < before.size(); ++i) {
     if (left.count(before[i]) == 0 || equal.count(before[i]) != 0) continue;
@@ -114,8 +136,10 @@ Comparison compare(ConfigFile& oldConfiguration, ConfigFile& newConfiguration, b
     entry.normalDn = before[i];
     entry.dn = i < written.size() ? written[i] : before[i];
     entry.onlyOld = newEntries.count(before[i]) == 0;
-    for (const std::string& name : attributesOf(store, before[i])) {
-      entry.attributes.push_back(read(store, before[i], name, showSecrets));
+    const std::uint32_t number = content.findEntry(before[i]);
+    if (number == cfgstore::Snapshot::kNone) continue;
+    for (const cfgstore::SnapshotAttribute& attribute : content.attributesOf(content.entries()[number])) {
+      entry.attributes.push_back(compared(content, attribute, names.says(attribute.name), showSecrets));
     }
   }
   return comparison;

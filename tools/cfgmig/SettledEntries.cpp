@@ -57,8 +57,8 @@ bool hasSettings(std::span<const cfgstore::Line> lines, std::string& scratch) {
 void setSettledEntriesAside(cfgstore::ConfigStore& old, cfgstore::ConfigStore& now) {
   const std::vector<std::string_view> named = auditing::entriesOfRules();
   const std::unordered_set<std::string_view> ofRules(named.begin(), named.end());
-  std::string scratch;
   cfgstore::setAsideEqualEntries(old, now, [&](std::string_view normal, std::span<const cfgstore::Line> lines) {
+    std::string scratch;
     if (!cfgstore::isWithinNormalDn(normal, auditing::kRoot) || ofRules.contains(normal)) return false;
     return hasSettings(lines, scratch) && std::none_of(lines.begin(), lines.end(), [&](const cfgstore::Line& line) {
              return line.kind == cfgstore::LineKind::attribute && isLookedAt(line, scratch);
