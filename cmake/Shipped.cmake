@@ -8,7 +8,7 @@ check_pie_supported(LANGUAGES CXX)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 
 add_library(cfgmig_shipped INTERFACE)
-target_link_libraries(cfgmig_shipped INTERFACE cfgmig_settings)
+target_link_libraries(cfgmig_shipped INTERFACE cfgmig_settings cfgmig_counted)
 
 # Sanitizers see more than these, and do not go together with some of them. What concerns the optimizer is left out of
 # debug builds.

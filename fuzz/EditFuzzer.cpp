@@ -52,7 +52,8 @@ Content contentOf(fuzz::Store& store) {
 
 bool canBeNewName(const std::string& name) {
   const std::string lower = fuzz::lowerCase(name);
-  return cfgstore::isAttributeName(name) && name.size() <= 65535 && lower != "dn" && lower != "control" && lower != "changetype";
+  return cfgstore::isAttributeName(name) && name.size() <= 65535 && lower != "dn" && lower != "control" &&
+         lower != "changetype";
 }
 
 // What the contract has for a step beyond what the model knows: DNs and names that are none.

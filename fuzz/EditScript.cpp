@@ -44,7 +44,7 @@ std::string someDn(Choices& choices, const Content& content) {
 
 // A DN for a new entry: below one that is there, beside it, or anywhere.
 std::string newDn(Choices& choices, const Content& content) {
-  const std::string relative = someDn(choices, content);
+  std::string relative = someDn(choices, content);
   switch (choices.below(4)) {
     case 0:
       return relative;

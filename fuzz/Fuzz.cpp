@@ -8,10 +8,7 @@
 
 namespace fuzz {
 
-void require(bool holds, const char* promise) { require(holds, promise, {}); }
-
-void require(bool holds, const char* promise, std::string_view details) {
-  if (holds) return;
+void breakOff(const char* promise, std::string_view details) {
   std::fprintf(stderr, "broken promise: %s\n", promise);
   std::fwrite(details.data(), 1, details.size(), stderr);
   std::fputc('\n', stderr);

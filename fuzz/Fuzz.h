@@ -20,11 +20,13 @@ inline std::string_view viewOf(const std::uint8_t* data, std::size_t size) {
   return size == 0 ? std::string_view() : std::string_view(reinterpret_cast<const char*>(data), size);
 }
 
-// Ends the program with `promise` on standard error unless `holds`.
-void require(bool holds, const char* promise);
+// Ends the program with `promise` on standard error, and with what it was about; `details` may hold any bytes.
+[[noreturn]] void breakOff(const char* promise, std::string_view details);
 
-// The same with what the promise was about; `details` may hold any bytes.
-void require(bool holds, const char* promise, std::string_view details);
+// The same unless `holds`.
+inline void require(bool holds, const char* promise, std::string_view details = {}) {
+  if (!holds) breakOff(promise, details);
+}
 
 // A file that has no name in any directory and goes with the object.
 class MemoryFile {

@@ -237,8 +237,10 @@ int main(int argc, char** argv) {
   table old = read_file(argv[2]);
   table now = read_file(argv[3]);
   if (compares) difference(&old, &now);
-  if (merges) merge(&old, &now);
-  if (merges) write_file(&now, argv[4]);
+  if (merges) {
+    merge(&old, &now);
+    write_file(&now, argv[4]);
+  }
   fprintf(stderr, "%zu and %zu entries\n", old.count, now.count);
   return fflush(stdout) == 0 ? 0 : 1; /* the tables go with the process */
 }

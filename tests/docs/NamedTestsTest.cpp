@@ -19,13 +19,14 @@ std::string contentOf(const std::filesystem::path& path) {
 
 // "Suite.Name" of each test that the sources define.
 std::set<std::string> definedTests() {
-  static const std::regex definition(R"((?:TEST|TEST_F|TEST_P|RC_GTEST_PROP|RC_GTEST_FIXTURE_PROP)\(\s*(\w+),\s*(\w+))");
+  static const std::regex definition(
+      R"((?:TEST|TEST_F|TEST_P|RC_GTEST_PROP|RC_GTEST_FIXTURE_PROP)\(\s*(\w+),\s*(\w+))");
   std::set<std::string> tests;
   for (const auto& file : std::filesystem::recursive_directory_iterator(CFGMIG_TESTS_DIRECTORY)) {
     if (file.path().extension() != ".cpp") continue;
     const std::string text = contentOf(file.path());
     for (std::sregex_iterator match(text.begin(), text.end(), definition), end; match != end; ++match) {
-        tests.insert((*match)[1].str() + "." + (*match)[2].str());
+      tests.insert((*match)[1].str() + "." + (*match)[2].str());
     }
   }
   return tests;

@@ -15,8 +15,8 @@ int main(int argc, char** argv) {
   std::signal(SIGPIPE, SIG_IGN);
   // Nor by a limit on the size of files: the write fails, and what was begun is taken back.
   std::signal(SIGXFSZ, SIG_IGN);
-  // Tables as large as a configuration go back to the system when they are freed. Otherwise the allocator would take the
-  // first of them for a sign to keep the memory of all that follow.
+  // Tables as large as a configuration go back to the system when they are freed. Otherwise the allocator would take
+  // the first of them for a sign to keep the memory of all that follow.
   ::mallopt(M_MMAP_THRESHOLD, 1 << 20);
   std::ios::sync_with_stdio(false);
   tool::Console console{std::cout, std::cerr};

@@ -36,7 +36,7 @@ struct Step {
   const AttributeMessage* setFailed = nullptr;
 
   // The failure message names another attribute than the one that is dropped.
-  constexpr Step reportedAs(const char* other) const {
+  consteval Step reportedAs(const char* other) const {
     Step step = *this;
     step.reported = other;
     return step;
@@ -85,8 +85,8 @@ void dropFirstNaming(const RuleContext& context, const char* attribute, std::spa
 // drop("A"): the value of A does not reach the new configuration. A value that cannot be read is passed over.
 class Drop {
  public:
-  constexpr explicit Drop(AttributeMessage failed) : m_failed(failed) {}
-  constexpr Step operator()(const char* attribute) const { return {runDrop, attribute, attribute, &m_failed}; }
+  consteval explicit Drop(AttributeMessage failed) : m_failed(failed) {}
+  consteval Step operator()(const char* attribute) const { return {runDrop, attribute, attribute, &m_failed}; }
 
  private:
   AttributeMessage m_failed;
@@ -95,9 +95,9 @@ class Drop {
 // move("A", dn): the value of A is dropped and becomes the value of A in the entry `dn` of the new configuration.
 class Move {
  public:
-  constexpr Move(AttributeMessage dropFailed, AttributeMessage setFailed)
+  consteval Move(AttributeMessage dropFailed, AttributeMessage setFailed)
       : m_dropFailed(dropFailed), m_setFailed(setFailed) {}
-  constexpr Step operator()(const char* attribute, const char* targetDn) const {
+  consteval Step operator()(const char* attribute, const char* targetDn) const {
     return {runMove, attribute, attribute, &m_dropFailed, targetDn, &m_setFailed};
   }
 

@@ -100,8 +100,7 @@ class Truth {
         expect(false, "nothing was cleaned up", own);
         break;
       case ValueFate::lost: {
-        const std::string target(
-            m_ledger.oldEntries[m_ledger.old.attributeOf(m_ledger.old.values()[id]).entry].target);
+        const std::string target(m_ledger.oldEntries[m_ledger.old.attributeOf(m_ledger.old.values()[id]).entry].target);
         // A value that a rule was to set elsewhere is lost there; what stands here is another matter.
         const bool wasToGoElsewhere = m_taken.count(own) > 0;
         expect(wasToGoElsewhere || m_result.count({target.empty() ? dn : target, name, value}) == 0, claim, own);

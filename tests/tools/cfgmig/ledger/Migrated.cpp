@@ -100,7 +100,8 @@ std::string Migrated::entryAt(std::size_t line) const {
   for (std::size_t i = 0; i < m_ledger.oldEntries.size(); ++i) {
     if (m_ledger.old.entries()[i].line != line) continue;
     const tool::EntryRow& row = m_ledger.oldEntries[i];
-    return kEntryFates[static_cast<std::size_t>(row.fate)] + (row.target.empty() ? "" : " to " + std::string(row.target));
+    return kEntryFates[static_cast<std::size_t>(row.fate)] +
+           (row.target.empty() ? "" : " to " + std::string(row.target));
   }
   throw std::logic_error("there is no entry on line " + std::to_string(line));
 }

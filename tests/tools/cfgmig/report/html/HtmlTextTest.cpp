@@ -60,7 +60,7 @@ TEST(HtmlText, MarksWhatTurnsTheWritingDirectionOrCannotBeSeen) {
 
 TEST(HtmlText, MarksBytesThatAreNotUtf8) {
   EXPECT_EQ(text("a\xFFz"), "a" + marked("\\x{FF}") + "z");
-  EXPECT_EQ(text("\xC0\x80"), marked("\\x{C0}") + marked("\\x{80}"));                          // overlong
+  EXPECT_EQ(text("\xC0\x80"), marked("\\x{C0}") + marked("\\x{80}"));  // overlong
   EXPECT_EQ(text("\xE0\x80\xBC"), marked("\\x{E0}") + marked("\\x{80}") + marked("\\x{BC}"));
   EXPECT_EQ(text("\xED\xA0\x80"), marked("\\x{ED}") + marked("\\x{A0}") + marked("\\x{80}"));  // a surrogate
   EXPECT_EQ(text("\xF5\x80\x80\x80"),
