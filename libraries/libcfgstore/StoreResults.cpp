@@ -15,7 +15,7 @@ char* newString(std::string_view text) {
   return copy;
 }
 
-__attribute__((noinline)) char** newListBlock(std::size_t slots) {
+__attribute__((noinline, weak)) char** newListBlock(std::size_t slots) {
   char** const block = static_cast<char**>(std::malloc(slots * sizeof(char*)));
   if (block == nullptr) throw std::bad_alloc();
   return block;

@@ -14,7 +14,8 @@ char* newString(std::string_view text);
 
 // A heap block with room for `slots` pointers and no more. Callers may keep it for the rest of the process and never
 // release it: the strings of a list are what they must release. A function of its own, so that a leak checker can be
-// told to overlook exactly these blocks. Throws std::bad_alloc.
+// told to overlook exactly these blocks; weak, so that a program that has the store in itself may keep account of them
+// with one of its own. Throws std::bad_alloc.
 char** newListBlock(std::size_t slots);
 
 // A list that is being put together; released again unless it is handed over.
