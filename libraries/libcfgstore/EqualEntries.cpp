@@ -1,16 +1,13 @@
 #include "EqualEntries.h"
 
 #include <algorithm>
-#include <future>
 
 #include "Document.h"
 #include "LdifReader.h"
+#include "Threads.h"
 
 namespace cfgstore {
 namespace {
-
-// Bytes that are worth a second thread.
-constexpr std::size_t kWorthAThread = std::size_t{1} << 20;
 
 // The bytes of lines that follow each other in a file.
 std::string_view textOf(std::span<const Line> lines) {
@@ -93,15 +90,15 @@ std::size_t Document::setAsideEqual(Document& other, const EntryTest& mayBe, Ent
 }
 
 void Document::setAsideEqual(Document& other, const EntryTest& mayBe) {
+  const std::size_t size = m_source.text().size();
   const auto end = static_cast<EntryId>(m_entries.size());
-  const EntryId middle = m_source.text().size() < kWorthAThread ? end : end / 2;
-  auto second = std::async(middle == end ? std::launch::deferred : std::launch::async,
-                           [&] { return setAsideEqual(other, mayBe, middle, end); });
-  const std::size_t count = setAsideEqual(other, mayBe, kHead, middle) + second.get();
+  const EntryId middle = end / 2;
+  auto second = doBeside(size, [&] { return setAsideEqual(other, mayBe, middle, end); });
+  const std::size_t first = setAsideEqual(other, mayBe, kHead, middle);
+  const std::size_t count = first + second.get();
   m_valuesSetAside += count;
   other.m_valuesSetAside += count;
-  auto theirs =
-      std::async(middle == end ? std::launch::deferred : std::launch::async, [&other] { other.dropLinesSetAside(); });
+  auto theirs = doBeside(size, [&other] { other.dropLinesSetAside(); });
   dropLinesSetAside();
   theirs.get();
 }

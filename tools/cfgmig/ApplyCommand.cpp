@@ -94,7 +94,7 @@ UndoRecord recordOf(const Migration& migration, const Report& report, const std:
 // Of what a save would write, made while it is written. Schema copies are staged by now, so that nothing changes in it.
 std::future<std::string> fingerprintOfResult(cfgstore::ConfigStore& store) {
   std::vector<std::string_view> pieces = store.pieces();
-  return doBeside(store.textAsRead().size(), [pieces = std::move(pieces)] { return sha256(pieces); });
+  return cfgstore::doBeside(store.textAsRead().size(), [pieces = std::move(pieces)] { return sha256(pieces); });
 }
 
 // Without anything that was replaced there is nothing that an undo could put back.

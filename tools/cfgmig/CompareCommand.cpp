@@ -41,10 +41,6 @@ Inputs readInputs(const Arguments& arguments) {
   return inputs;
 }
 
-cfgstore::ConfigStore& storeOf(ConfigFile& configuration) {
-  return cfgstore::ConfigStore::of(*configuration.getCfgUtils());
-}
-
 }  // namespace
 
 ExitStatus runCompare(const Arguments& arguments, Console& console) {
@@ -61,7 +57,7 @@ ExitStatus runCompare(const Arguments& arguments, Console& console) {
   const Comparison comparison = compare(*oldConfiguration, *newConfiguration, arguments.has("--show-secrets"));
   // To close a large one takes a while.
   const std::uint64_t size = storeOf(*newConfiguration).textAsRead().size();
-  const auto closed = doBeside(size, [closing = std::move(newConfiguration)]() mutable { closing.reset(); });
+  const auto closed = cfgstore::doBeside(size, [closing = std::move(newConfiguration)]() mutable { closing.reset(); });
   const std::string text = arguments.has("--json") ? jsonOf(comparison) : ldifOf(comparison);
   if (inputs.output.path.empty()) {
     console.out << text;

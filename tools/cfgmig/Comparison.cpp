@@ -6,7 +6,6 @@
 #include <cstdlib>
 #include <memory>
 #include <string_view>
-#include <unordered_map>
 #include <unordered_set>
 
 #include "EntryReading.h"
@@ -38,29 +37,13 @@ Inventory writtenDns(OVOConfigUtils::CfgUtils& store) {
   return dns;
 }
 
-// There are few names, and many attributes have them.
-class SecretNames {
- public:
-  NameSays says(std::string_view name) {
-    const auto [place, isNew] = m_known.try_emplace(name, NameSays::nothing);
-    if (isNew) place->second = nameSays(name);
-    return place->second;
-  }
-
- private:
-  std::unordered_map<std::string_view, NameSays> m_known;
-};
-
 ComparedAttribute compared(const cfgstore::Snapshot& content, const cfgstore::SnapshotAttribute& from, NameSays name,
                            bool showSecrets) {
-  const auto isSecret = [name](std::string_view value) {
-    return name == NameSays::secret || (name == NameSays::nothing && looksSecret(value));
-  };
   ComparedAttribute attribute;
   attribute.name = from.name;
   for (const cfgstore::SnapshotValue& value : content.valuesOf(from)) {
     if (value.repeated) continue;
-    if (!showSecrets && isSecret(value.value)) {
+    if (!showSecrets && isSecret(name, value.value)) {
       ++attribute.redacted;
     } else {
       attribute.values.emplace_back(value.value);

@@ -62,7 +62,7 @@ std::vector<std::unique_ptr<Store>> openAll(std::span<const std::string> paths, 
   std::vector<std::future<Opened>> pending;
   for (const std::string& path : paths) {
     const std::uint64_t bytes = &path == &paths.front() ? 0 : sizeOf(path);  // one can be read in this thread
-    pending.push_back(doBeside(bytes, [&openOne, &path] { return openOne(path); }));
+    pending.push_back(cfgstore::doBeside(bytes, [&openOne, &path] { return openOne(path); }));
   }
   std::vector<std::unique_ptr<Store>> stores;
   for (std::future<Opened>& each : pending) {

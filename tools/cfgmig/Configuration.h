@@ -13,6 +13,10 @@
 
 namespace tool {
 
+inline cfgstore::ConfigStore& storeOf(ConfigFile& configuration) {
+  return cfgstore::ConfigStore::of(*configuration.getCfgUtils());
+}
+
 // Opens the configuration at `path`.
 // Null when it cannot be opened or understood; all that the store finds wrong with it is then appended to `problems`, a
 // line each: "path:line: text".

@@ -143,9 +143,16 @@ bool looksSecret(std::string_view value) {
   return signs.colon && hasUserInUrl(text);
 }
 
-bool isSecret(std::string_view attribute, std::string_view value) {
-  const NameSays name = nameSays(attribute);
-  return name == NameSays::secret || (name == NameSays::nothing && looksSecret(value));
+bool isSecret(std::string_view attribute, std::string_view value) { return isSecret(nameSays(attribute), value); }
+
+NameSays SecretNames::says(std::string_view attribute) {
+  auto place = m_known.find(attribute);
+  if (place == m_known.end()) place = m_known.emplace(attribute, nameSays(attribute)).first;
+  return place->second;
+}
+
+bool SecretNames::isSecret(std::string_view attribute, std::string_view value) {
+  return tool::isSecret(says(attribute), value);
 }
 
 }  // namespace tool

@@ -7,6 +7,7 @@
 
 #include "Accounting.h"
 #include "ConfigStore.h"
+#include "Configuration.h"
 #include "EqualEntries.h"
 #include "Failure.h"
 #include "MergeRecorder.h"
@@ -14,10 +15,6 @@
 
 namespace tool {
 namespace {
-
-cfgstore::ConfigStore& storeOf(ConfigFile& configuration) {
-  return cfgstore::ConfigStore::of(*configuration.getCfgUtils());
-}
 
 std::vector<std::string> inventoryOf(ConfigFile& configuration) {
   char** const dns = configuration.getCfgDns();
@@ -32,7 +29,8 @@ struct LedgerBuilder::State {
   State(ConfigFile& oldConfiguration, ConfigFile& newConfiguration, std::string sourceVersion)
       : old(oldConfiguration), now(newConfiguration) {
     ledger.sourceVersion = std::move(sourceVersion);
-    auto before = doBeside(storeOf(now).textAsRead().size(), [this] { return cfgstore::Snapshot(storeOf(now)); });
+    auto before =
+        cfgstore::doBeside(storeOf(now).textAsRead().size(), [this] { return cfgstore::Snapshot(storeOf(now)); });
     ledger.old = cfgstore::Snapshot(storeOf(old));
     ledger.before = before.get();
     account.emplace(inventoryOf(old), inventoryOf(now), &ledger.old);

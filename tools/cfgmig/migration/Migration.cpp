@@ -64,7 +64,7 @@ std::shared_future<Migration::Inputs> Migration::inputsHashed(bool isAtOnce) con
     return Inputs{inputOf("old", oldPath, oldText), inputOf("new", newPath, newText)};
   };
   const std::size_t size = oldStore().textAsRead().size() + newStore().textAsRead().size();
-  return doBeside(isAtOnce ? size : 0, make).share();
+  return cfgstore::doBeside(isAtOnce ? size : 0, make).share();
 }
 
 void Migration::hashInputs() { m_inputs = inputsHashed(true); }

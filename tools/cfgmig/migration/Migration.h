@@ -11,6 +11,7 @@
 
 #include "ConfigFile.h"
 #include "ConfigStore.h"
+#include "Configuration.h"
 #include "SchemaCopies.h"
 #include "ledger/Ledger.h"
 #include "migration/MigrationRequest.h"
@@ -51,9 +52,6 @@ class Migration {
   Report report(bool showSecrets) const;
 
  private:
-  static cfgstore::ConfigStore& storeOf(ConfigFile& configuration) {
-    return cfgstore::ConfigStore::of(*configuration.getCfgUtils());
-  }
   bool fileWillExist(const std::string& path) const;
 
   MigrationRequest m_request;

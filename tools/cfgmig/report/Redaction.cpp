@@ -20,23 +20,6 @@ ShownValue inForm(std::string_view value) {
   return shown;
 }
 
-// What names say, each read once: there are few names and many values.
-class NamesRead {
- public:
-  bool isSecret(std::string_view name, std::string_view value) {
-    auto place = m_known.find(name);
-    if (place == m_known.end()) place = m_known.emplace(name, nameSays(name)).first;
-    return place->second == NameSays::secret || (place->second == NameSays::nothing && looksSecret(value));
-  }
-
- private:
-  struct Hash {
-    using is_transparent = void;
-    std::size_t operator()(std::string_view name) const { return std::hash<std::string_view>()(name); }
-  };
-  std::unordered_map<std::string, NameSays, Hash, std::equal_to<>> m_known;
-};
-
 using Marks = std::array<std::vector<bool>, kContents>;
 
 // An entry may be unfolded at the moment.
@@ -44,7 +27,7 @@ std::span<const cfgstore::SnapshotValue> lastingValues(const cfgstore::Snapshot&
   return snapshot.values().first(snapshot.lastingValues());
 }
 
-void markAll(const Ledger& ledger, NamesRead& names, Marks& marks) {
+void markAll(const Ledger& ledger, SecretNames& names, Marks& marks) {
   for (std::size_t content = 0; content < kContents; ++content) {
     const cfgstore::Snapshot& snapshot = snapshotOf(ledger, static_cast<Content>(content));
     std::vector<bool>& secret = marks[content];
@@ -94,7 +77,7 @@ std::string lineOf(const ShownValue& value) {
 
 Redaction::Secrets Redaction::look(const Ledger& ledger) {
   Secrets secrets;
-  NamesRead names;
+  SecretNames names;
   markAll(ledger, names, secrets.marks);
   markCompanions(ledger, secrets.marks);
   for (std::size_t content = 0; content < kContents; ++content) {

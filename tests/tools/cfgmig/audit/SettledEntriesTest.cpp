@@ -9,11 +9,13 @@
 
 #include "Audited.h"
 #include "ConfigFile.h"
+#include "Configuration.h"
 #include "EqualEntries.h"
 #include "RandomConfiguration.h"
 #include "audit/Rules.h"
 #include "finding/Finding.h"
 #include "ledger/LedgerBuilder.h"
+#include "migration/SelfCheck.h"
 #include "report/Report.h"
 
 namespace {
@@ -21,10 +23,7 @@ namespace {
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
-
-cfgstore::ConfigStore& storeOf(ConfigFile& configuration) {
-  return cfgstore::ConfigStore::of(*configuration.getCfgUtils());
-}
+using tool::storeOf;
 
 // A merge, with or without setting aside what is settled.
 struct Merge {
@@ -116,6 +115,32 @@ std::size_t setAside(const std::string& entry) {
   ConfigFile now(workspace.write("new.ldif", kRoot + entry), nullptr);
   tool::setSettledEntriesAside(storeOf(old), storeOf(now));
   return cfgstore::Snapshot(storeOf(now)).valuesSetAside();
+}
+
+TEST(SettledEntries, AreNotWrittenToByAMerge) {
+  // A rule of 6.0 sets this entry's options, so that it must not be set aside; here it is all the same.
+  const std::string level = "dn: cn=Configuration\nobjectClass: top\ncn: Configuration\nzor-slapdSysLogLevel: h\n\n";
+  const std::string log = "dn: cn=zorslapd, cn=Log Management, cn=Configuration\nobjectClass: top\ncn: zorslapd\n";
+  Workspace workspace;
+  ConfigFile old(workspace.write("old.ldif", level + log), nullptr);
+  ConfigFile now(workspace.write("new.ldif", kRoot + log), nullptr);
+  cfgstore::setAsideEqualEntries(storeOf(old), storeOf(now), [](auto, auto) { return true; });
+  ASSERT_GT(cfgstore::Snapshot(storeOf(now)).valuesSetAside(), 0U);
+  ASSERT_EQ(old.getDns() + now.getDns(), 0);
+  EXPECT_THROW(tool::migrate(old, now, "6.0"), std::logic_error);
+}
+
+TEST(SettledEntries, AreLookedForInTheResultToTheByte) {
+  const std::string plain = "dn: cn=A, cn=Configuration\nobjectClass: top\ncn: A\nzor-note: x\n";
+  Merge merge("6.0", kRoot + plain, kRoot + plain, true);
+  ASSERT_EQ(merge.ledger.old.valuesSetAside(), 3U);
+  const std::string same = merge.workspace.write("same.ldif", merge.result());
+  EXPECT_THAT(tool::selfCheck(merge.ledger, storeOf(merge.now), same, ""), IsEmpty());
+  std::string text = merge.result();
+  const std::string changed =
+      merge.workspace.write("changed.ldif", text.replace(text.find("zor-note: x"), 11, "zor-note:  x"));
+  EXPECT_THAT(tool::selfCheck(merge.ledger, storeOf(merge.now), changed, ""),
+              testing::ElementsAre(HasSubstr("CN=A,CN=CONFIGURATION: there is something else than before")));
 }
 
 TEST(SettledEntries, AreSetAsideWithAllTheirValues) {

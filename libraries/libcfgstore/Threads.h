@@ -1,7 +1,7 @@
 // Threads.h -- work on large files that is done beside other work.
 
-#ifndef CFGMIG_TOOL_THREADS_H
-#define CFGMIG_TOOL_THREADS_H
+#ifndef CFGMIG_LIBCFGSTORE_THREADS_H
+#define CFGMIG_LIBCFGSTORE_THREADS_H
 
 #include <signal.h>
 
@@ -9,7 +9,7 @@
 #include <future>
 #include <utility>
 
-namespace tool {
+namespace cfgstore {
 
 // Threads begun while it lives take no signals: those are for the main thread, which may be holding them back.
 class NoSignalsInThreads {
@@ -37,6 +37,6 @@ auto doBeside(std::uint64_t bytes, Work work) {
   return std::async(std::launch::async, std::move(work));
 }
 
-}  // namespace tool
+}  // namespace cfgstore
 
-#endif  // CFGMIG_TOOL_THREADS_H
+#endif  // CFGMIG_LIBCFGSTORE_THREADS_H
