@@ -9,7 +9,7 @@ namespace {
 constexpr std::string_view kAlphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 constexpr std::uint8_t kNoDigit = 0xff;
 
-constexpr std::array<std::uint8_t, 256> makeDigits() {
+consteval std::array<std::uint8_t, 256> makeDigits() {
   std::array<std::uint8_t, 256> digits{};
   digits.fill(kNoDigit);
   for (std::size_t i = 0; i < kAlphabet.size(); ++i) {

@@ -58,8 +58,8 @@ class SaveRefused : public SaveError {
   using SaveError::SaveError;
 };
 
-// The exception to what SaveError promises: the save failed when the file had been replaced, and the old one could not
-// be put back. what() says where it is.
+// The exception to what SaveError promises: the save failed when the new file was in place, and that could not be taken
+// back. what() says where the old one is, if there was one.
 class RestoreError : public SaveError {
  public:
   using SaveError::SaveError;

@@ -8,9 +8,9 @@ namespace {
 // What the normal form has for a character, by its byte; 0 where the character does not belong there.
 using CharacterMap = std::array<char, 256>;
 
-constexpr char asciiUpper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
+consteval char asciiUpper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
 
-constexpr CharacterMap makeTypeCharacters() {
+consteval CharacterMap makeTypeCharacters() {
   CharacterMap map{};
   for (char c = 'a'; c <= 'z'; ++c) map[static_cast<unsigned char>(c)] = asciiUpper(c);
   for (char c = 'A'; c <= 'Z'; ++c) map[static_cast<unsigned char>(c)] = c;
@@ -22,7 +22,7 @@ constexpr CharacterMap makeTypeCharacters() {
 
 // Blanks are not among them, since they need more than a look at one character. `#` is, since it is special only at
 // the beginning, where it is looked for separately.
-constexpr CharacterMap makeValueCharacters() {
+consteval CharacterMap makeValueCharacters() {
   CharacterMap map{};
   for (char c = '!'; c <= '~'; ++c) map[static_cast<unsigned char>(c)] = asciiUpper(c);
   for (const char special : {',', ';', '+', '"', '\\', '<', '>'}) map[static_cast<unsigned char>(special)] = 0;

@@ -22,7 +22,7 @@ constexpr int kMostPasses = 8;
 utf8proc_option_t optionOf(int flags) { return static_cast<utf8proc_option_t>(flags); }
 
 void appendDecomposed(CodePoint point, int flags, CodePoints& out) {
-  std::array<utf8proc_int32_t, 32> parts;  // the longest decomposition in Unicode has 18
+  std::array<utf8proc_int32_t, 32> parts{};  // the longest decomposition in Unicode has 18
   int boundary = 0;
   const auto count = utf8proc_decompose_char(point, parts.data(), static_cast<utf8proc_ssize_t>(parts.size()),
                                              optionOf(flags), &boundary);
@@ -107,7 +107,7 @@ std::optional<CodePoints> codePointsOf(std::string_view utf8) {
 }
 
 void appendUtf8(CodePoint point, std::string& out) {
-  std::array<utf8proc_uint8_t, 4> bytes;
+  std::array<utf8proc_uint8_t, 4> bytes{};
   const auto length = utf8proc_encode_char(point, bytes.data());
   std::copy_n(bytes.begin(), length, std::back_inserter(out));
 }

@@ -100,9 +100,9 @@ class EntryLines {
     NodeId nextValue = kNoNode;
   };
   struct AttributeLines {
-    std::uint32_t nameKey;  // tells most names apart
+    std::uint32_t nameKey = 0;  // tells most names apart
     std::uint32_t count = 0;
-    NodeId name;  // a line that has the name; it may be gone from the entry
+    NodeId name = kNoNode;  // a line that has the name; it may be gone from the entry
     NodeId first = kNoNode;
     NodeId last = kNoNode;
   };

@@ -44,8 +44,7 @@ std::optional<std::string> readAnySize(const Read& read) {
 }
 
 std::optional<std::string> readAttribute(FileSystem& fileSystem, int file, const char* name) {
-  const auto value =
-      readAnySize([&](char* to, std::size_t size) { return fileSystem.fgetxattr(file, name, to, size); });
+  auto value = readAnySize([&](char* to, std::size_t size) { return fileSystem.fgetxattr(file, name, to, size); });
   if (!value && errno != ENODATA && !hasNoAttributes(errno)) {
     throw FileError(std::string("its attribute ") + name + " cannot be read", errno);
   }

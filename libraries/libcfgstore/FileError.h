@@ -21,7 +21,7 @@ class FileInUse : public FileError {
   using FileError::FileError;
 };
 
-// The old file was replaced and could not be put back.
+// What failed could not be undone: the new file is in place, and the old one, if there was one, could not be put back.
 class FileNotRestored : public FileError {
  public:
   using FileError::FileError;

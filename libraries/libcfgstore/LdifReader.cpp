@@ -31,9 +31,9 @@ std::string describe(LineFault fault, std::string_view name) {
     case LineFault::badBase64:
       return "bad base64 in a value of \"" + shownName(name) + "\"; expected whole groups of four characters";
     case LineFault::zeroByte:
-      return "a value of \"" + shownName(name) + "\" holds a zero byte, which no setting can";
+      break;
   }
-  return {};
+  return "a value of \"" + shownName(name) + "\" holds a zero byte, which no setting can";
 }
 
 RemarkKind kindOf(LineFault fault) {
@@ -49,9 +49,9 @@ RemarkKind kindOf(LineFault fault) {
     case LineFault::badBase64:
       return RemarkKind::badBase64;
     case LineFault::zeroByte:
-      return RemarkKind::zeroByteInValue;
+      break;
   }
-  return {};
+  return RemarkKind::zeroByteInValue;
 }
 
 class Reader {

@@ -16,7 +16,7 @@ constexpr std::uint8_t kHyphen = 4;  // '-' and '_'
 constexpr std::uint8_t kDot = 8;
 constexpr std::uint8_t kWord = kLetter | kDigit | kHyphen;
 
-constexpr std::array<std::uint8_t, 256> makeClasses() {
+consteval std::array<std::uint8_t, 256> makeClasses() {
   std::array<std::uint8_t, 256> classes{};
   for (unsigned char c = 'a'; c <= 'z'; ++c) classes[c] = kLetter;
   for (unsigned char c = 'A'; c <= 'Z'; ++c) classes[c] = kLetter;

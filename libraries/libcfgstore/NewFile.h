@@ -40,7 +40,6 @@ class NewFile {
   static void checkLeftover(FileSystem& fileSystem, const std::string& path);
 
   int file() const { return m_file.get(); }
-  const std::string& path() const { return m_path; }
 
   // Writes the pieces, gives the file these attributes, brings it to the disk and reads it back. What cannot be given
   // and what there is no room for is found before the first byte is written. Nobody who may not read a file with these

@@ -76,7 +76,7 @@ constexpr std::array kTable = std::to_array<RemarkKindInfo>({
      "The value that names an entry in its DN is not among the entry's attributes."},
 });
 
-constexpr bool isInOrder() {
+consteval bool isInOrder() {
   for (std::size_t i = 0; i < kTable.size(); ++i) {
     if (static_cast<std::size_t>(kTable[i].kind) != i) return false;
   }

@@ -10,6 +10,8 @@
 namespace cfgstore {
 namespace {
 
+constexpr const char* kInPlace = "; the new file is in place all the same";
+
 class Directory {
  public:
   Directory(FileSystem& fileSystem, const std::string& path)
@@ -32,7 +34,7 @@ class Directory {
 
 // The new file is in place, and something has failed.
 void putBack(OldFile& old, const Directory& directory, const char* why) {
-  if (!old.isAside()) throw FileNotRestored(std::string(why) + "; the new file is in place all the same");
+  if (!old.isAside()) throw FileNotRestored(std::string(why) + kInPlace);
   old.putBack();
   try {
     directory.sync();
@@ -72,8 +74,10 @@ void createFile(FileSystem& fileSystem, NewFile& file, const std::string& path) 
   file.placeNew(path);
   try {
     directory.sync();
-  } catch (...) {
-    fileSystem.unlink(path.c_str());
+  } catch (const std::exception& error) {
+    if (fileSystem.unlink(path.c_str()) != 0 && errno != ENOENT) {
+      throw FileNotRestored(std::string(error.what()) + kInPlace);
+    }
     throw;
   }
 }

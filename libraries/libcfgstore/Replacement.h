@@ -20,7 +20,7 @@ namespace cfgstore {
 std::string replaceFile(FileSystem& fileSystem, NewFile& file, const std::string& path, Backup backup, std::time_t now,
                         const std::function<void()>& lastCheck);
 
-// Puts the file at `path`, where no file may be.
+// Puts the file at `path`, where no file may be. Throws FileNotRestored when it is there although a later step failed.
 void createFile(FileSystem& fileSystem, NewFile& file, const std::string& path);
 
 // Brings the directory of `path` to the disk.

@@ -1,11 +1,11 @@
 #include "TargetFile.h"
 
 #include <fcntl.h>
-#include <limits.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <climits>
 #include <vector>
 
 #include "FileError.h"

@@ -3,8 +3,7 @@
 #ifndef CFGMIG_LIBCFGSTORE_THREADS_H
 #define CFGMIG_LIBCFGSTORE_THREADS_H
 
-#include <signal.h>
-
+#include <csignal>
 #include <cstdint>
 #include <future>
 #include <utility>
@@ -24,7 +23,7 @@ class NoSignalsInThreads {
   NoSignalsInThreads& operator=(const NoSignalsInThreads&) = delete;
 
  private:
-  sigset_t m_before;
+  sigset_t m_before{};
 };
 
 // Does `work`, which goes through so many bytes, in a thread of its own, if that takes far longer than starting one

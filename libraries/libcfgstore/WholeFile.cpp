@@ -9,6 +9,7 @@ namespace cfgstore {
 
 std::string readWhole(FileSystem& fileSystem, int file) {
   std::string content;
+  // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): pread sets what is read of it
   std::array<char, std::size_t{1} << 16> block;
   while (true) {
     const ssize_t got = fileSystem.pread(file, block.data(), block.size(), static_cast<off_t>(content.size()));

@@ -81,8 +81,8 @@ void writeJson(const Inspection& inspection, const Shown& shown, const std::stri
     const cfgstore::RemarkKindInfo& info = infoOf(remark->kind);
     json += separator;
     separator = ",\n    ";
-    json += "{\"line\": " + std::to_string(remark->line) + ", \"severity\": \"" + nameOf(info.severity) +
-            "\", \"id\": \"" + std::string(info.id) + "\", \"text\": ";
+    json += R"({"line": )" + std::to_string(remark->line) + R"(, "severity": ")" + nameOf(info.severity) +
+            R"(", "id": ")" + std::string(info.id) + R"(", "text": )";
     appendJsonText(json, remark->text + sizeHint(remark->kind));
     json += '}';
     out << json;
@@ -94,9 +94,9 @@ void writeJson(const Inspection& inspection, const Shown& shown, const std::stri
     const cfgstore::RemarkKindInfo& info = infoOf(count.kind);
     json += separator;
     separator = ",\n    ";
-    json += "{\"id\": \"" + std::string(info.id) + "\", \"severity\": \"" + nameOf(info.severity) +
-            "\", \"found\": " + std::to_string(count.found) +
-            ", \"shown\": " + std::to_string(count.found - shown.hidden(count.kind)) + "}";
+    json += R"({"id": ")" + std::string(info.id) + R"(", "severity": ")" + nameOf(info.severity) + R"(", "found": )" +
+            std::to_string(count.found) + R"(, "shown": )" + std::to_string(count.found - shown.hidden(count.kind)) +
+            "}";
   }
   json += inspection.counts.empty() ? "]\n}\n" : "\n  ]\n}\n";
   out << json;

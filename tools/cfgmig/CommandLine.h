@@ -11,7 +11,7 @@
 namespace tool {
 
 struct Invocation {
-  const Command* command;
+  const Command* command = nullptr;
   Arguments arguments;
 };
 

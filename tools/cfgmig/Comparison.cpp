@@ -114,11 +114,11 @@ Comparison compare(ConfigFile& oldConfiguration, ConfigFile& newConfiguration, b
   SecretNames names;
   Comparison comparison;
   for (std::size_t i = 0; i < before.size(); ++i) {
-    if (left.count(before[i]) == 0 || equal.count(before[i]) != 0) continue;
+    if (!left.contains(before[i]) || equal.contains(before[i])) continue;
     ComparedEntry& entry = comparison.entries.emplace_back();
     entry.normalDn = before[i];
     entry.dn = i < written.size() ? written[i] : before[i];
-    entry.onlyOld = newEntries.count(before[i]) == 0;
+    entry.onlyOld = !newEntries.contains(before[i]);
     const std::uint32_t number = content.findEntry(before[i]);
     if (number == cfgstore::Snapshot::kNone) continue;
     for (const cfgstore::SnapshotAttribute& attribute : content.attributesOf(content.entries()[number])) {

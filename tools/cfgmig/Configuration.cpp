@@ -91,10 +91,6 @@ std::vector<std::unique_ptr<OVOConfigUtils::CfgUtils>> openAllUtils(std::span<co
   return openAll<OVOConfigUtils::CfgUtils>(paths, problems, nullptr);
 }
 
-std::unique_ptr<OVOConfigUtils::CfgUtils> openUtils(const std::string& path, std::vector<std::string>& problems) {
-  return open<OVOConfigUtils::CfgUtils>(path, problems, nullptr);
-}
-
 std::unique_ptr<cfgstore::ConfigStore> openStore(const std::string& path) {
   std::vector<std::string> problems;
   auto store = open<cfgstore::ConfigStore>(path, problems);

@@ -30,10 +30,7 @@ struct OpenPair {
 };
 OpenPair openConfigurations(const std::string& oldPath, const std::string& newPath, std::vector<std::string>& problems);
 
-// The same without the library: the store alone.
-std::unique_ptr<OVOConfigUtils::CfgUtils> openUtils(const std::string& path, std::vector<std::string>& problems);
-
-// All of them, several at once, in their order.
+// The same without the library, the store alone: all of them, several at once, in their order.
 std::vector<std::unique_ptr<OVOConfigUtils::CfgUtils>> openAllUtils(std::span<const std::string> paths,
                                                                     std::vector<std::string>& problems);
 

@@ -1,8 +1,8 @@
 #include "HeldSignals.h"
 
 #include <pthread.h>
-#include <signal.h>
 
+#include <csignal>
 #include <initializer_list>
 
 namespace tool {

@@ -17,7 +17,7 @@ class HeldSignals {
   HeldSignals& operator=(const HeldSignals&) = delete;
 
  private:
-  sigset_t m_before;
+  sigset_t m_before{};
 };
 
 }  // namespace tool

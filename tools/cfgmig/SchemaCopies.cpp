@@ -66,12 +66,10 @@ std::string trimmed(std::string directory) {
 void refuseNoDirectory(const std::string& path, const char* option, bool linkAllowed) {
   struct stat status {};
   std::string why;
-  if (::lstat(path.c_str(), &status) != 0) {
+  if ((linkAllowed ? ::stat(path.c_str(), &status) : ::lstat(path.c_str(), &status)) != 0) {
     why = std::strerror(errno);
-  } else if (S_ISLNK(status.st_mode) && !linkAllowed) {
+  } else if (S_ISLNK(status.st_mode)) {
     why = "it is a symbolic link; name the directory itself";
-  } else if (::stat(path.c_str(), &status) != 0) {
-    why = std::strerror(errno);
   } else if (!S_ISDIR(status.st_mode)) {
     why = "it is not a directory";
   }

@@ -54,9 +54,9 @@ const char* operationName(cfgstore::Operation operation) {
     case cfgstore::Operation::addEntry:
       return "addEntry";
     case cfgstore::Operation::removeEntry:
-      return "removeEntry";
+      break;
   }
-  return "";
+  return "removeEntry";
 }
 
 }  // namespace tool

@@ -12,6 +12,7 @@
 
 #include "AtomicFile.h"
 #include "FaultyFileSystem.h"
+#include "TestAttributes.h"
 #include "TestStore.h"
 
 namespace cfgstore {
@@ -347,6 +348,130 @@ TEST_F(AtomicFileFault, NamesAFullDisk) {
   files.failAll("write", ENOSPC);
   EXPECT_FALSE(save(files, Backup::keep));
   EXPECT_EQ(m_error, m_target + ": cannot be written: No space left on device");
+}
+
+// What a killed program left is cleared first, and the calls of that may fail as well.
+TEST_F(AtomicFileFault, LeavesTheOldFileOrTheNewOneWhicheverCallFailsAmongLeftovers) {
+  for (const int error : {EIO, ENOENT, EOPNOTSUPP}) {
+    bool failed = true;
+    for (int n = 1; failed; ++n) {
+      ASSERT_LT(n, kMostCalls) << "the sweep does not end";
+      prepare(Target::source);
+      std::filesystem::create_hard_link(m_target, m_directory.file(".source.cfgmig-old"));
+      m_directory.write(".source.cfgmig-new", "");
+      const std::string half = m_directory.write(".source.cfgmig-copy", "half a f");
+      test::setAttribute(half, "user.cfgmig.unfinished", "");
+      FaultyFileSystem files;
+      files.failCall(n, error);
+      const bool saved = save(files, Backup::none);
+      failed = files.hasFailed();
+      EXPECT_EQ(files.openFiles(), 0) << files.failedCall();
+      ASSERT_TRUE(std::filesystem::exists(m_target)) << files.failedCall();
+      EXPECT_EQ(readFile(m_target), saved ? kNew : kOld) << files.failedCall() << " " << m_error;
+      if (!failed) {
+        EXPECT_TRUE(saved);
+        EXPECT_THAT(newNames(), ElementsAre());
+      }
+    }
+  }
+}
+
+TEST_F(AtomicFileFault, TakesALeftoverForItsOwnWhereFilesHaveNoAttributes) {
+  prepare(Target::source);
+  m_directory.write(".source.cfgmig-new", "half a f");
+  FaultyFileSystem files;
+  files.failAll("fgetxattr", EOPNOTSUPP);
+  EXPECT_TRUE(save(files, Backup::none)) << m_error;
+  EXPECT_EQ(readFile(m_target), kNew);
+  EXPECT_THAT(newNames(), ElementsAre());
+}
+
+TEST_F(AtomicFileFault, LeavesTheOldFileWhicheverCallFailsWhereRenamingCannotExclude) {
+  for (const Target target : {Target::source, Target::none}) {
+    prepare(target);
+    FaultyFileSystem all;
+    all.failAll("renameNoReplace", EINVAL);
+    ASSERT_TRUE(save(all, Backup::keep)) << m_error;
+    for (int n = 1; n <= all.calls(); ++n) {
+      prepare(target);
+      FaultyFileSystem files;
+      files.failAll("renameNoReplace", EINVAL);
+      files.failCall(n, EINVAL);
+      const bool saved = save(files, Backup::keep);
+      EXPECT_EQ(files.openFiles(), 0) << n;
+      if (saved) {
+        EXPECT_EQ(readFile(m_target), kNew) << n;
+        continue;
+      }
+      EXPECT_EQ(std::filesystem::exists(m_target), m_existed) << n << " " << m_error;
+      if (m_existed) {
+        EXPECT_EQ(readFile(m_target), kOld) << n << " " << m_error;
+      }
+      EXPECT_THAT(newNames(), ElementsAre()) << n << " " << m_error;
+    }
+  }
+}
+
+TEST_F(AtomicFileFault, OverwritesNothingThatAppearsWhereRenamingCannotExclude) {
+  prepare(Target::none);
+  FaultyFileSystem files;
+  files.failAll("renameNoReplace", EINVAL);
+  files.before("link", [this] { test::writeFile(m_target, "somebody else's\n"); });
+  EXPECT_FALSE(save(files, Backup::none));
+  EXPECT_EQ(m_error, m_target + ": was created by another program in the meantime");
+  EXPECT_EQ(readFile(m_target), "somebody else's\n");
+  EXPECT_THAT(newNames(), ElementsAre("target"));
+}
+
+TEST_F(AtomicFileFault, GivesUpWhenAllNamesOfBackupsAreTaken) {
+  prepare(Target::source);
+  FaultyFileSystem files;
+  files.failAll("renameNoReplace", EEXIST);
+  EXPECT_FALSE(save(files, Backup::keep));
+  EXPECT_EQ(m_error, m_target + ": there are too many backups of this second");
+  EXPECT_EQ(readFile(m_target), kOld);
+  EXPECT_THAT(newNames(), ElementsAre());
+}
+
+TEST_F(AtomicFileFault, PutsTheOldFileBackWhenTheDirectoryCannotBeBroughtToTheDiskAtAll) {
+  prepare(Target::source);
+  FaultyFileSystem files;
+  files.before("renameNoReplace", [&files] { files.failAll("fsync", EIO); });  // that of the file has been made by then
+  EXPECT_FALSE(save(files, Backup::keep));
+  EXPECT_THAT(m_error, HasSubstr("its directory cannot be brought to the disk"));
+  EXPECT_EQ(readFile(m_target), kOld);
+  EXPECT_THAT(newNames(), ElementsAre());
+}
+
+TEST_F(AtomicFileFault, NamesNoProcessWhenTheSystemTellsNoneThatHoldsTheFile) {
+  prepare(Target::source);
+  FaultyFileSystem files;
+  files.failAll("flock", EWOULDBLOCK);
+  EXPECT_FALSE(save(files, Backup::none));
+  EXPECT_EQ(m_error, m_target + ": another program is writing this file");
+  EXPECT_EQ(readFile(m_target), kOld);
+}
+
+// Between the making of the new file and its lock another program may take it for a leftover: it is the other's then.
+TEST_F(AtomicFileFault, GivesTheNewFileUpThatAnotherProgramHasLockedOrRemoved) {
+  prepare(Target::none);
+  FaultyFileSystem locked;
+  locked.failAll("flock", EWOULDBLOCK);
+  EXPECT_FALSE(save(locked, Backup::none));
+  EXPECT_EQ(m_error, m_target + ": another program is writing this file");
+  EXPECT_THAT(newNames(), ElementsAre(".target.cfgmig-new"));
+
+  prepare(Target::none);
+  const std::string made = m_directory.file(".target.cfgmig-new");
+  FaultyFileSystem removed;
+  removed.before("flock", [&made] {
+    std::filesystem::remove(made);
+    test::writeFile(made, "the other's\n");
+  });
+  EXPECT_FALSE(save(removed, Backup::none));
+  EXPECT_EQ(m_error, m_target + ": another program is writing this file");
+  EXPECT_EQ(readFile(made), "the other's\n");
+  EXPECT_THAT(newNames(), ElementsAre(".target.cfgmig-new"));
 }
 
 }  // namespace

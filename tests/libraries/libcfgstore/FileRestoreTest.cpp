@@ -163,5 +163,29 @@ TEST_F(Restore, DoesNotRemoveAFileThatHasChangedSince) {
   EXPECT_EQ(readFile(m_target), "edited since\n");
 }
 
+TEST_F(Restore, TellsWhetherAFileWasRemovedWhicheverCallFails) {
+  for (const int error : {EIO, EACCES}) {
+    bool failed = true;
+    for (int n = 1; failed; ++n) {
+      ASSERT_LT(n, 300) << "the sweep does not end";
+      m_directory.write("config", kNew);
+      test::FaultyFileSystem files;
+      files.failCall(n, error);
+      bool removed = false;
+      try {
+        removed = removeFile(m_target, isNew, files);
+      } catch (const SaveError& failure) {
+        EXPECT_THAT(failure.what(), HasSubstr(m_target));
+      }
+      failed = files.hasFailed();
+      EXPECT_EQ(files.openFiles(), 0) << files.failedCall();
+      EXPECT_EQ(fs::exists(m_target), !removed) << files.failedCall();
+      if (!removed) {
+        EXPECT_EQ(readFile(m_target), kNew) << files.failedCall();
+      }
+    }
+  }
+}
+
 }  // namespace
 }  // namespace cfgstore

@@ -408,5 +408,78 @@ TEST_F(Staging, KeepsAReplacedFileWhereThereAreNoLinks) {
   EXPECT_EQ(modeOf("b"), 0604U);
 }
 
+TEST_F(Staging, RefusesADirectoryThatTheSystemKeepsFromBeingWritten) {
+  test::FaultyFileSystem files;
+  files.failAll("access", EROFS);
+  FileStaging staging(files);
+  EXPECT_FALSE(copy("a"));
+  EXPECT_EQ(staging.copies()[0].refusal, "the destination's directory cannot be written: Read-only file system");
+}
+
+// From the n-th call of a commit on nothing works any more, for every n: what could not be taken back is named, and the
+// file that was replaced is under its own name, or it is told where it is.
+TEST_F(Staging, NamesWhatIsLeftWhenNothingWorksAnyMoreInTheMiddleOfACommit) {
+  int notUndone = 0;
+  bool failed = true;
+  for (int n = 1; failed; ++n) {
+    ASSERT_LT(n, 300) << "the sweep does not end";
+    for (const std::string& name : m_target.names()) fs::remove(m_target.file(name));
+    m_target.write("b", "another b\n");
+    test::FaultyFileSystem files;
+    FileStaging staging(files);
+    ASSERT_TRUE(copy("a") && copy("b"));
+    files.stopAt(files.calls() + n);
+    std::string told;
+    try {
+      staging.commit();
+    } catch (const StagingNotUndone& error) {
+      told = error.what();
+      ++notUndone;
+    } catch (const StagingError&) {
+      EXPECT_FALSE(fs::exists(m_target.file("a"))) << files.failedCall();
+      EXPECT_EQ(readFile(m_target.file("b")), "another b\n") << files.failedCall();
+    }
+    failed = files.hasFailed();
+    if (told.empty()) continue;
+    if (fs::exists(m_target.file("a"))) {
+      EXPECT_EQ(readFile(m_target.file("a")), "file a\n") << files.failedCall();
+      EXPECT_THAT(told, HasSubstr(m_target.file("a"))) << files.failedCall();
+    }
+    if (readFile(m_target.file("b")) == "another b\n") continue;
+    EXPECT_EQ(readFile(m_target.file("b")), "file b\n") << files.failedCall();
+    bool isNamed = false;
+    for (const std::string& name : m_target.names()) {
+      isNamed = isNamed || (readFile(m_target.file(name)) == "another b\n" && told.find(name) != std::string::npos);
+    }
+    EXPECT_TRUE(isNamed) << told << " after " << files.failedCall();
+  }
+  EXPECT_GT(notUndone, 0);
+}
+
+TEST_F(Staging, TakesTheOtherCopiesBackWhenMemoryRunsOutInOne) {
+  m_target.write("b", "another b\n");
+  const State before = stateOf(m_target);
+  test::FaultyFileSystem files;
+  FileStaging staging(files);
+  copy("a");
+  copy("b");
+  files.before("link", [] { throw std::bad_alloc(); });  // the first copy has been made by then
+  EXPECT_THROW(staging.commit(), std::bad_alloc);
+  EXPECT_EQ(stateOf(m_target), before);
+}
+
+TEST_F(Staging, LeavesWholeCopiesBehindWhenItGoesAndCannotTakeThemBack) {
+  test::FaultyFileSystem files;
+  {
+    FileStaging staging(files);
+    copy("a");
+    staging.commit();
+    files.stopAt(files.calls() + 1);
+  }
+  EXPECT_TRUE(files.hasFailed());
+  EXPECT_THAT(m_target.names(), ElementsAre("a"));
+  EXPECT_EQ(readFile(m_target.file("a")), "file a\n");
+}
+
 }  // namespace
 }  // namespace cfgstore

@@ -202,6 +202,19 @@ TEST(LdifProblems, ShowsALongDnInPartAndOnOneLine) {
   EXPECT_EQ(problems[0], "3: the entry \"" + dn.substr(0, 200) + "...\" a second time; it stands on line 1 already");
 }
 
+TEST(LdifProblems, ShowWhatIsNoVisibleCharacterOfADnAsAQuestionMark) {
+  // No character, a private one, a change of the direction of writing, a blank that is not the usual one; and a letter.
+  const std::string dn =
+      "CN=a\xCD\xB8"
+      "b\xEE\x80\x80"
+      "c\xE2\x80\xAE"
+      "d\xC2\xA0"
+      "e\xC3\xA9";
+  const Strings problems = problemsOf("dn: " + dn + "\n\ndn: " + dn + "\n");
+  ASSERT_EQ(problems.size(), 1U);
+  EXPECT_EQ(problems[0], "3: the entry \"CN=a?b?c?d?e\xC3\xA9\" a second time; it stands on line 1 already");
+}
+
 // A file that was cut off is an error or a shorter file, never a crash and never a half-read value in base64.
 TEST(LdifProblems, AreFoundWhereverAFileIsCutOff) {
   const std::string text =

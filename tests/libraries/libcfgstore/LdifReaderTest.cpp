@@ -5,6 +5,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "Document.h"
+#include "SourceText.h"
 #include "TestStore.h"
 
 namespace cfgstore {
@@ -155,6 +157,17 @@ TEST(LdifReader, TellsTheLinesOfAnEntryFromThoseBetweenEntries) {
   EXPECT_EQ(textOf(content.entries[0].first, content.entries[0].end), "# about A\ndn: CN=A\na: 1\n# end of A\n");
   EXPECT_EQ(textOf(content.entries[0].end, content.entries[1].first), "\n# loose\n\n");
   EXPECT_EQ(textOf(content.entries[1].first, content.entries[1].end), "dn: CN=B\nb: 1\n");
+}
+
+TEST(LdifReader, ReadsATextThatNoFileHolds) {
+  std::vector<Problem> problems;
+  Document document(SourceText("dn: CN=A\na: x\n"), problems);
+  EXPECT_TRUE(problems.empty());
+  EntryId entry = 0;
+  EXPECT_EQ(document.find("cn=a", entry), ResultCode::kSuccess);
+  EXPECT_EQ(document.source().text(), "dn: CN=A\na: x\n");
+  EXPECT_EQ(document.source().resolvedPath(), "");
+  EXPECT_TRUE(SourceText("").text().empty());
 }
 
 }  // namespace

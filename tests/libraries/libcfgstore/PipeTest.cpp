@@ -7,9 +7,12 @@
 #include <unistd.h>
 
 #include <array>
+#include <cerrno>
 #include <chrono>
 #include <thread>
 
+#include "Descriptor.h"
+#include "PipeReader.h"
 #include "TestStore.h"
 
 namespace cfgstore {
@@ -53,6 +56,7 @@ TEST(Pipe, WithANameAndNoWriterIsToldAfterAMoment) {
     FAIL();
   } catch (const OpenError& error) {
     EXPECT_EQ(error.what(), path + ": is a pipe to which no program writes");
+    EXPECT_EQ(error.path(), path);
   }
   EXPECT_LT(std::chrono::steady_clock::now() - start, 30s);
 }
@@ -87,6 +91,16 @@ TEST(Pipe, OfTheShellIsReadWhenItsWriterHasEnded) {
   pipe.write(kText);
   pipe.closeWriter();
   EXPECT_EQ(ConfigStore(pipe.path()).text(), kText);
+}
+
+TEST(Pipe, TellsAnErrorOfTheSystem) {
+  const TemporaryDirectory directory;
+  const Descriptor file(::open(directory.path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  ASSERT_TRUE(file);
+  PipeReader reader(file.get());
+  std::array<char, 8> to{};
+  EXPECT_EQ(reader.read(to.data(), to.size()), -1);
+  EXPECT_EQ(errno, EISDIR);
 }
 
 }  // namespace

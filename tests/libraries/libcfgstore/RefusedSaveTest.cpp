@@ -244,6 +244,32 @@ TEST_F(RefusedSave, OfAFileWhoseOwnerCannotBeKept) {
   EXPECT_THAT(m_directory.names(), ElementsAre("config.ldif", "other.ldif"));
 }
 
+TEST_F(RefusedSave, OfAFileWhoseGroupCannotBeKept) {
+  if (::geteuid() != 0) GTEST_SKIP() << "only the superuser can have files of other groups";
+  constexpr uid_t kNobody = 65534;
+  constexpr gid_t kForeignGroup = 65533;
+  const std::string ours = m_directory.write("ours.ldif", "of a group of ours\n");
+  const std::string others = m_directory.write("others.ldif", "of another group\n");
+  ASSERT_EQ(::chown(ours.c_str(), kNobody, ::getegid()), 0);
+  ASSERT_EQ(::chown(others.c_str(), kNobody, kForeignGroup), 0);
+  const test::AsOrdinaryUser user(m_directory, m_path);
+  open();
+  EXPECT_TRUE(store().checkSave(ours));
+  const auto toldBy = [](const auto& work) -> std::string {
+    try {
+      work();
+    } catch (const SaveError& error) {
+      return error.what();
+    }
+    return "saved";
+  };
+  const std::string why = others + ": its owner cannot be kept: Operation not permitted";
+  EXPECT_EQ(toldBy([&] { store().checkSave(others); }), why);
+  EXPECT_EQ(toldBy([&] { store().save(others, Backup::keep); }), why);
+  EXPECT_EQ(toldBy([&] { store().save(ours, Backup::none); }), "saved");
+  EXPECT_EQ(readFile(others), "of another group\n");
+}
+
 TEST_F(RefusedSave, TellsWhetherASaveWouldWriteAnything) {
   open();
   EXPECT_TRUE(store().checkSave(m_path));

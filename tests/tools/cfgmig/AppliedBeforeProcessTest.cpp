@@ -79,6 +79,19 @@ TEST_F(AppliedBefore, CanBeDoneAgainFromSuchAPlanAfterAnUndo) {
   EXPECT_EQ(workspace.read("new.ldif"), m_result);
 }
 
+TEST_F(AppliedBefore, IsNoExcuseForAPlanOfAnotherNewConfiguration) {
+  ASSERT_EQ(runTool({"undo", workspace.path("new.ldif")}).status, 0);
+  const std::string before = workspace.read("new.ldif");
+  workspace.write("new.ldif", "# another one\n" + before);
+  ASSERT_EQ(run("plan", {"-o", workspace.path("plan.json")}).status, 0);
+  workspace.write("new.ldif", before);
+  ASSERT_EQ(run("apply").status, 0);
+  const auto result = runTool({"apply", workspace.path("plan.json")});
+  EXPECT_EQ(result.status, 4) << result.out;
+  EXPECT_THAT(result.err, HasSubstr(workspace.path("new.ldif") + " has changed since the plan"));
+  EXPECT_EQ(workspace.read("new.ldif"), m_result);
+}
+
 TEST_F(AppliedBefore, IsToldWithoutAnAccountWhenTheBackupHasGone) {
   std::filesystem::remove(backup());
   const auto second = run("apply");
@@ -90,6 +103,26 @@ TEST_F(AppliedBefore, IsToldWithoutAnAccountWhenTheBackupHasGone) {
   EXPECT_THAT(report.err, HasSubstr("no account of the apply of "));
   EXPECT_EQ(workspace.read("new.ldif"), m_result);
   EXPECT_THAT(workspace.names(), ElementsAre("new.ldif"));
+}
+
+TEST_F(AppliedBefore, IsNotKnownFromARecordThatIsDamagedAndThatIsTold) {
+  const std::vector<std::string> environment = {"CFGMIG_STATE_DIRECTORY=" + workspace.path("state")};
+  workspace.write("other.ldif", "");
+  std::filesystem::copy_file(examplePath("5.1/new.ldif"), workspace.path("other.ldif"),
+                             std::filesystem::copy_options::overwrite_existing);
+  const auto apply = [&] {
+    return runTool(ToolSetup{
+        {"apply", "--old", examplePath("5.1/old.ldif"), "--new", workspace.path("other.ldif"), "-n"}, environment});
+  };
+  ToolSetup first{{"apply", "--old", examplePath("5.1/old.ldif"), "--new", workspace.path("other.ldif")}, environment};
+  ASSERT_EQ(runTool(first).status, 0);
+  ASSERT_THAT(apply().out, StartsWith("Nothing to do: "));
+  const std::filesystem::directory_iterator records(workspace.path("state/undo"));
+  const std::string record = "state/undo/" + records->path().filename().string();
+  workspace.write(record, "{}");
+  const auto result = apply();
+  EXPECT_THAT(result.out, StartsWith("Plan for a 5.1 configuration"));
+  EXPECT_THAT(result.err, HasSubstr(workspace.path(record) + ": it is no record that cfgmig apply has written"));
 }
 
 TEST_F(AppliedBefore, IsNoExcuseForAnotherVersion) {

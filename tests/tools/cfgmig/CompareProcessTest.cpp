@@ -1,6 +1,9 @@
 // Tests of cfgmig compare, run as a process.
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
+#include <sys/file.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
@@ -165,6 +168,16 @@ TEST_F(Compare, DoesNotFollowALinkAtItsOutput) {
   fs::create_symlink(outside.path("mine"), m_files.path("out"));
   EXPECT_EQ(runInVain({"-o", m_files.path("out")}).status, 1);
   EXPECT_EQ(outside.read("mine"), "mine\n");
+}
+
+TEST_F(Compare, DoesNotWriteWhereAnotherProgramIsAtWork) {
+  const int file = ::open(m_files.write("out", "mine\n").c_str(), O_RDONLY | O_CLOEXEC);
+  ASSERT_GE(file, 0);
+  ASSERT_EQ(::flock(file, LOCK_EX | LOCK_NB), 0);
+  const auto result = runInVain({"-o", m_files.path("out")});
+  ::close(file);
+  EXPECT_EQ(result.status, 4);
+  EXPECT_THAT(result.err, HasSubstr(m_files.path("out") + ": another program is writing this file"));
 }
 
 TEST_F(Compare, RefusesWhatIsNoConfiguration) {

@@ -220,6 +220,55 @@ TEST_F(Plan, TellsThatItIsStaleAndAnswersAllTheSame) {
   EXPECT_THAT(result.out, HasSubstr("389"));
 }
 
+TEST_F(Plan, TellsWhyOfAValueThatIsNoText) {
+  std::string old = sample::kOld;
+  old.insert(old.find("zor-custom:"), "zor-bytes:: 6Q==\n");
+  workspace.write("old.ldif", old, 0600);
+  ASSERT_EQ(plan({"-o", planFile()}).status, 0);
+  const auto result = runTool({"why", planFile(), "cn=Only Old,cn=Configuration:zor-bytes=\xE9", "--json"});
+  EXPECT_EQ(result.status, 0) << result.err;
+  const auto json = nlohmann::json::parse(result.out);
+  ASSERT_GE(json.at("values").size(), 1U);
+  EXPECT_EQ(json.at("values").at(0).at("value").at("base64"), "6Q==");
+  EXPECT_EQ(runTool({"why", planFile(), "cn=Only Old,cn=Configuration:zor-bytes=\xE8"}).status, 1);
+}
+
+TEST_F(Plan, TellsWhatTheStoreRefused) {
+  ASSERT_EQ(plan({"-o", planFile()}).status, 0);
+  auto json = nlohmann::json::parse(workspace.read("plan.json"));
+  const std::vector<std::string> question = {"why", planFile(), "cn=Configuration:zor-slapdSizeLimit"};
+  EXPECT_THAT(runTool(question).out, Not(HasSubstr("refused")));
+  for (auto& event : json.at("events")) event["code"] = 80;
+  workspace.write("plan.json", json.dump());
+  EXPECT_THAT(runTool(question).out, HasSubstr(" -- refused: "));
+}
+
+TEST_F(Plan, HasNoAnswerWhenItsAccountIsNotWhatPlanWrites) {
+  ASSERT_EQ(plan({"-o", planFile()}).status, 0);
+  auto json = nlohmann::json::parse(workspace.read("plan.json"));
+  json.at("reasons").at(0).erase("words");
+  workspace.write("plan.json", json.dump());
+  const auto result = runTool({"why", planFile(), "cn=Configuration:zor-slapdPort"});
+  EXPECT_EQ(result.status, 1);
+  EXPECT_THAT(result.err, HasSubstr(planFile() + ": its account of the values is not what cfgmig writes"));
+}
+
+TEST_F(Plan, NamesNoLossInAnEntryThatHasNothingToLose) {
+  workspace.write("old.ldif", sample::kOld + std::string("\ndn: o=Acme\n"), 0600);
+  EXPECT_THAT(plan().err, Not(HasSubstr("lost: ")));
+  workspace.write("old.ldif", sample::kOld + std::string("\ndn: o=Acme\no: Acme\n"), 0600);
+  EXPECT_THAT(plan().err, HasSubstr("lost: o=Acme"));
+}
+
+TEST_F(Plan, RefusesAReportWhereThereIsNoDirectory) {
+  const auto before = workspace.state();
+  const std::string report = workspace.path("none/r.txt");
+  const auto result = plan({"-o", planFile(), "--text-report", report});
+  EXPECT_EQ(result.status, 1);
+  EXPECT_THAT(result.err, HasSubstr(report + ": cannot be written: its directory: No such file or directory"));
+  EXPECT_EQ(workspace.state(), before);
+}
+
 TEST_F(Plan, HasNoAnswerForWhatIsNotThere) {
   ASSERT_EQ(plan({"-o", planFile()}).status, 0);
   EXPECT_EQ(runTool({"why", planFile(), "cn=Nowhere"}).status, 1);

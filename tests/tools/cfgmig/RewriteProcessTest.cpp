@@ -48,6 +48,19 @@ TEST_F(Rewrite, WritesTheSameBytes) {
   }
 }
 
+TEST_F(Rewrite, TellsOfAFileThatAnInterruptedRunHadReplaced) {
+  m_files.write("in", sample::kOld);
+  m_files.write(".out.cfgmig-old", "the file before\n");
+  const auto result = rewrite();
+  EXPECT_EQ(result.status, 0) << result.err;
+  EXPECT_EQ(m_files.read("out"), sample::kOld);
+  const auto kept = m_files.namesAfter("out");
+  ASSERT_THAT(kept, SizeIs(1));
+  EXPECT_EQ(m_files.read(kept[0]), "the file before\n");
+  EXPECT_THAT(result.err,
+              HasSubstr("cfgmig: kept: " + m_files.path(kept[0]) + ", which an interrupted run had replaced\n"));
+}
+
 TEST_F(Rewrite, WritesTheExamplesAsTheyAre) {
   for (const ExampleSource& source : kExampleSources) {
     const std::string in = examplePath(source.oldFile);

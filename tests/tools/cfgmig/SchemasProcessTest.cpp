@@ -177,6 +177,22 @@ TEST_F(Schemas, WantsTheTargetDirectoryItselfAndNoLinkToIt) {
   }
 }
 
+TEST_F(Schemas, WantsADirectoryAtTheEndOfALinkToWhereFilesAre) {
+  const Workspace links;
+  fs::create_directory_symlink(m_old.path("none"), links.path("link"));
+  const auto words = [&] {
+    return std::vector<std::string>{"schemas",          m_files.path("conf"), "--search-dir",
+                                    links.path("link"), "--target-dir",       m_new.path("")};
+  };
+  const auto result = runTool(words());
+  EXPECT_EQ(result.status, 1);
+  EXPECT_THAT(result.err, HasSubstr("--search-dir " + links.path("link") + ": No such file or directory"));
+  fs::remove(links.path("link"));
+  fs::create_directory_symlink(m_old.path(""), links.path("link"));
+  EXPECT_EQ(runTool(words()).status, 0);
+  EXPECT_EQ(m_new.read("my.at"), "attributes\n");
+}
+
 TEST_F(Schemas, WantsDirectoriesThatExist) {
   const std::string conf = m_files.path("conf");
   for (const auto& [search, target, part] : std::vector<std::tuple<std::string, std::string, std::string>>{

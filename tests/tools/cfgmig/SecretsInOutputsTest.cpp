@@ -330,7 +330,8 @@ TEST_F(SecretsInOutputs, AreNotSeenWhenMemoryRunsOut) {
       expectNone("standard output", result.out);
       expectNone("standard error", result.err);
       searchFiles();
-      ranOut = ranOut || result.err == "cfgmig: not enough memory\n";
+      // In a build that counts lines, what counts them complains as well.
+      ranOut = ranOut || result.err.starts_with("cfgmig: not enough memory\n");
       if (result.status == 0) break;
       EXPECT_THAT(result.status, AnyOf(1, 127)) << result.err;  // 127: not even the program could be loaded
     }

@@ -125,7 +125,6 @@ struct Audit {
   std::deque<std::string> texts;  // what discrepancies expect and no snapshot holds
 
   std::size_t count(ValueFate fate) const { return fates[static_cast<std::size_t>(fate)]; }
-  std::size_t count(ValueOrigin origin) const { return origins[static_cast<std::size_t>(origin)]; }
   AuditVerdict verdict() const;
 };
 

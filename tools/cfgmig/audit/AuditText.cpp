@@ -160,9 +160,9 @@ const char* nameOf(AuditVerdict verdict) {
     case AuditVerdict::lost:
       return "lost";
     case AuditVerdict::differs:
-      return "differs";
+      break;
   }
-  return "";
+  return "differs";
 }
 
 void writeAuditText(const AuditReport& report, std::ostream& out) { Writer(report, out).write(); }

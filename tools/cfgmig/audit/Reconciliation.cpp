@@ -199,7 +199,7 @@ Reconciliation::Known Reconciliation::whatIsKnownOf(const Attribute& attribute) 
     for (Id gone = m_content.attribute(attribute.should).firstGone; gone != kNone; gone = m_content.value(gone).next) {
       known.gone[m_content.value(gone).text].push_back(gone);
     }
-    for (auto& [text, values] : known.gone) std::sort(values.begin(), values.end(), std::greater<Id>());
+    for (auto& [text, values] : known.gone) std::sort(values.begin(), values.end(), std::greater<>());
   }
   if (m_oldEntriesFor.empty()) {
     m_oldEntriesFor.resize(m_content.entries().size());

@@ -38,9 +38,9 @@ const char* nameOf(Severity severity) {
     case Severity::warning:
       return "warning";
     case Severity::note:
-      return "note";
+      break;
   }
-  return "";
+  return "note";
 }
 
 void FindingList::addEntry(Content content, std::uint32_t entry) { addEntry(content, entry, kNoReason); }

@@ -99,7 +99,7 @@ bool EventLog::isWhole(const LedgerEvent& event) const {
 }
 
 std::string_view EventLog::kept(std::string_view text) {
-  if (text.empty()) return {"", 0};
+  if (text.empty()) return "";
   char* const copy = static_cast<char*>(m_memory->allocate(text.size(), 1));
   std::memcpy(copy, text.data(), text.size());
   return {copy, text.size()};

@@ -17,9 +17,9 @@ const char* nameOf(ValueFate fate) {
     case ValueFate::cleaned:
       return "cleaned";
     case ValueFate::lost:
-      return "lost";
+      break;
   }
-  return "";
+  return "lost";
 }
 
 const char* nameOf(ValueOrigin origin) {
@@ -31,9 +31,9 @@ const char* nameOf(ValueOrigin origin) {
     case ValueOrigin::moved:
       return "moved";
     case ValueOrigin::addedByRule:
-      return "added-by-rule";
+      break;
   }
-  return "";
+  return "added-by-rule";
 }
 
 }  // namespace tool

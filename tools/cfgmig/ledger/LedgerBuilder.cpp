@@ -61,8 +61,6 @@ void LedgerBuilder::merge() {
 
 void LedgerBuilder::cleanUpBy(unsigned long method) { m_state->account->setMethodOutside(method); }
 
-const Account& LedgerBuilder::account() const { return m_state->finished; }
-
 Ledger LedgerBuilder::finish() {
   State& state = *m_state;
   state.recorder->check();

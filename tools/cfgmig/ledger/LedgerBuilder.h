@@ -32,9 +32,6 @@ class LedgerBuilder {
   // records need not be heard.
   void cleanUpBy(unsigned long method);
 
-  // What the terminal says of the merge. Valid after merge.
-  const Account& account() const;
-
   // The ledger of all that was written. To be called once.
   // Throws std::logic_error when a write could not be noted. Whether the sums hold is for sumErrors to say.
   Ledger finish();

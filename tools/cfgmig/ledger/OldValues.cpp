@@ -106,7 +106,7 @@ void Accounting::findStop(Course& course) {
   const SnapshotEntry& entry = m_ledger.old.entries()[course.oldEntry];
   for (std::uint32_t i = entry.firstAttribute; i < entry.firstAttribute + entry.attributes; ++i) {
     const std::string_view name = m_ledger.old.attributes()[i].name;
-    if (isServersOwn(name, course.sameDn) || had.count(name) > 0) continue;
+    if (isServersOwn(name, course.sameDn) || had.contains(name)) continue;
     const std::size_t line = walkedAt(i, *course.work);
     if (line == 0 || (course.stop != kNone && line > course.stopLine)) continue;
     course.stop = i;
@@ -329,12 +329,11 @@ EntryRow Accounting::entryRow(const Course& course) {
     case EntryFate::merged:
       row = {work.fate, reason(work.transfer, Why::entryMerged), own};
       break;
-    case EntryFate::moved: {
-      const bool isWhole = work.transfer != 0;
-      row = {work.fate, reason(isWhole ? work.transfer : work.rule, isWhole ? Why::entryMoved : Why::entryPartMoved),
+    case EntryFate::moved:
+      row = {work.fate,
+             work.transfer != 0 ? reason(work.transfer, Why::entryMoved) : reason(work.rule, Why::entryPartMoved),
              targetOfMoved(own)};
       break;
-    }
     case EntryFate::rebuilt:
       row = {work.fate, reason(work.transfer, Why::entryRebuilt), own};
       break;

@@ -166,7 +166,7 @@ class Check {
       case ValueFate::cleaned:
         return origin != ValueOrigin::fromNew || samePlace ? nullptr : "was rewritten to a value of another place";
       case ValueFate::keptNew:
-        return nullptr;
+        break;
       case ValueFate::lost:
         return "is lost and has a place";
     }

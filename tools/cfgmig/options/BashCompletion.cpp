@@ -81,8 +81,6 @@ complete -F _cfgmig cfgmig
 
 std::string takesOf(const Option& option) {
   switch (option.takes) {
-    case Takes::nothing:
-      return "";
     case Takes::file:
       return "file";
     case Takes::directory:
@@ -94,6 +92,7 @@ std::string takesOf(const Option& option) {
     case Takes::size:
     case Takes::mask:
     case Takes::question:
+    case Takes::nothing:
       break;
   }
   return "anything";

@@ -31,7 +31,7 @@ struct Example {
 
 // One of the statuses that a command ends with.
 struct StatusRow {
-  ExitStatus status;
+  ExitStatus status = ExitStatus::done;
   const char* meaning = "";  // empty: what it means for the tool as a whole
 };
 

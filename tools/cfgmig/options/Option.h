@@ -38,13 +38,13 @@ struct Option {
 };
 
 // The option as a command has it that cannot do without.
-constexpr Option required(Option option) {
+consteval Option required(Option option) {
   option.isRequired = true;
   return option;
 }
 
 // The option as a command has it for which it means something else.
-constexpr Option meaning(Option option, const char* help, const char* more = "") {
+consteval Option meaning(Option option, const char* help, const char* more = "") {
   option.help = help;
   option.more = more;
   return option;

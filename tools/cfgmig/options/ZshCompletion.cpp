@@ -36,10 +36,10 @@ std::string actionOf(const Option& option) {
       return "(" + wordsOf(option.words) + ")";
     case Takes::command:
       return "(" + commandNames() + ")";
-    case Takes::nothing:
     case Takes::size:
     case Takes::mask:
     case Takes::question:
+    case Takes::nothing:
       break;
   }
   return " ";

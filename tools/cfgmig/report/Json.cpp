@@ -28,9 +28,9 @@ const char* nameOf(cfgstore::Operation operation) {
     case cfgstore::Operation::addEntry:
       return "add-entry";
     case cfgstore::Operation::removeEntry:
-      return "remove-entry";
+      break;
   }
-  return "";
+  return "remove-entry";
 }
 
 class JsonReport {

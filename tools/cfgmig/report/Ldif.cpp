@@ -23,9 +23,9 @@ const char* operationOf(AttributeChange::Kind kind) {
     case AttributeChange::Kind::remove:
       return "delete";
     case AttributeChange::Kind::replace:
-      return "replace";
+      break;
   }
-  return "";
+  return "replace";
 }
 
 const char* typeOf(ChangeRecord::Kind kind) {
@@ -35,9 +35,9 @@ const char* typeOf(ChangeRecord::Kind kind) {
     case ChangeRecord::Kind::add:
       return "add";
     case ChangeRecord::Kind::remove:
-      return "delete";
+      break;
   }
-  return "";
+  return "delete";
 }
 
 std::string comment(const std::string& text) { return "# " + text + "\n"; }

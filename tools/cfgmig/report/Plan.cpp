@@ -47,7 +47,7 @@ class Filter {
       case Json::parse_event_t::array_start:
       case Json::parse_event_t::array_end:
       case Json::parse_event_t::value:
-        return true;
+        break;
     }
     return true;
   }

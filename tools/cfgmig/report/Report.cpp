@@ -23,9 +23,9 @@ const char* nameOf(SchemaFile::Fate fate) {
     case SchemaFile::Fate::notCopied:
       return "not-copied";
     case SchemaFile::Fate::missing:
-      return "missing";
+      break;
   }
-  return "";
+  return "missing";
 }
 
 const char* nameOf(Outcome::Kind kind) {
@@ -35,9 +35,9 @@ const char* nameOf(Outcome::Kind kind) {
     case Outcome::Kind::nothingToDo:
       return "nothing-to-do";
     case Outcome::Kind::applied:
-      return "applied";
+      break;
   }
-  return "";
+  return "applied";
 }
 
 const char* nameOf(EntryFate fate) {
@@ -55,9 +55,9 @@ const char* nameOf(EntryFate fate) {
     case EntryFate::skipped:
       return "skipped";
     case EntryFate::outside:
-      return "outside";
+      break;
   }
-  return "";
+  return "outside";
 }
 
 const InputFile* Report::input(std::string_view role) const {

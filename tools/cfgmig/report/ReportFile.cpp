@@ -40,8 +40,8 @@ class DescriptorBuffer : public std::streambuf {
  protected:
   int_type overflow(int_type character) override {
     if (sync() != 0) return traits_type::eof();
-    if (!traits_type::eq_int_type(character, traits_type::eof())) return sputc(traits_type::to_char_type(character));
-    return traits_type::not_eof(character);
+    const bool isNone = traits_type::eq_int_type(character, traits_type::eof());
+    return isNone ? traits_type::not_eof(character) : sputc(traits_type::to_char_type(character));
   }
   int sync() override {
     for (const char* from = pbase(); from < pptr() && m_error == 0;) {

@@ -92,9 +92,9 @@ std::string verdict(const Report& report) {
     case Outcome::Kind::nothingToDo:
       return "Nothing to do: the target holds what " + source + " gives.";
     case Outcome::Kind::applied:
-      return "Applied " + source + ".";
+      break;
   }
-  return {};
+  return "Applied " + source + ".";
 }
 
 Lines linesOfLosses(const Report& report) {
@@ -174,7 +174,7 @@ void writeSummary(const Report& report, bool colours, std::ostream& out) {
   for (const Lines* lines : {&losses, &findings, &sums, &files}) {
     for (const SummaryLine& line : *lines) {
       const bool isColoured = colours && line.tone != Tone::plain;
-      out << (isColoured ? startOf(line.tone) : "") << line.text << (isColoured ? "\x1b[0m" : "") << '\n';
+      out << (colours ? startOf(line.tone) : "") << line.text << (isColoured ? "\x1b[0m" : "") << '\n';
     }
   }
 }

@@ -16,6 +16,8 @@
 
 namespace {
 
+using testing::ElementsAre;
+using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::SizeIs;
 
@@ -262,6 +264,46 @@ TEST(LedgerAgreement, TellsEveryRowThatDiffers) {
   EXPECT_THAT(tool::compareWithLedger(both.audit, both.ledger), SizeIs(2));
   both.ledger.replaced.clear();
   EXPECT_THAT(tool::compareWithLedger(both.audit, both.ledger), SizeIs(1));
+}
+
+TEST(LedgerAgreement, TellsAnotherVersionAndAnotherNumberOfValues) {
+  const std::string old = kRootOnly + std::string("zor-a: 1\n");
+  Both both("6.0", old, kRootOnly);
+  const auto lines = [&] { return tool::compareWithLedger(both.audit, both.ledger); };
+  ASSERT_THAT(lines(), IsEmpty());
+  both.ledger.sourceVersion = "5.1";
+  EXPECT_THAT(lines(), ElementsAre("the source version is 6.0 in the audit and 5.1 in the ledger"));
+  both.ledger.sourceVersion = "6.0";
+  both.audit.oldValues.pop_back();
+  EXPECT_THAT(lines(), ElementsAre("old values: 2 in the audit and 3 in the ledger"));
+  both.audit.oldValues.clear();
+  both.ledger.oldValues.clear();
+  both.audit.resultValues.clear();
+  EXPECT_THAT(lines(), ElementsAre("values of the result: 0 in the audit and 3 in the ledger"));
+}
+
+TEST(LedgerAgreement, TellsAReplacementThatOnlyTheLedgerKnows) {
+  Both both("6.0", kRootOnly + std::string("zor-a: 1\n"), kRootOnly + std::string("zor-a: 9\n"));
+  ASSERT_THAT(both.audit.replaced, SizeIs(1));
+  both.audit.replaced.clear();
+  EXPECT_THAT(tool::compareWithLedger(both.audit, both.ledger),
+              ElementsAre(HasSubstr("only the ledger says that it was replaced")));
+}
+
+TEST(LedgerAgreement, TakesAnyValueOfTheSettingForTheOneThatStands) {
+  Both both("6.0", kRootOnly + std::string("zor-a: 1\n"), kRootOnly + std::string("zor-a: 8\nzor-b: 9\n"));
+  tool::AuditedOldValue& ours = both.audit.oldValues[2];
+  tool::OldValueRow& theirs = both.ledger.oldValues[2];
+  ours.fate = theirs.fate = tool::ValueFate::keptNew;
+  const auto disagreements = [&](tool::ValueId our, tool::ValueId their) {
+    ours.place = our;
+    theirs.place = their;
+    return tool::compareWithLedger(both.audit, both.ledger).size();
+  };
+  EXPECT_EQ(disagreements(2, tool::kNoValue), 0U) << "the ledger need not name it";
+  EXPECT_EQ(disagreements(2, 2), 0U);
+  EXPECT_EQ(disagreements(0, 1), 1U) << "the values of two settings";
+  EXPECT_EQ(disagreements(tool::kNoValue, 2), 1U);
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <set>
 #include <stdexcept>
 
 #include "Audited.h"
@@ -349,6 +350,39 @@ TEST(RuleAudit, TakesLongListsAndLargeEntriesInItsStride) {
   EXPECT_EQ(audited.audit.replaced.size(), 2U * kMany);
   const Audited swapped("6.0", before, old, result);
   EXPECT_EQ(swapped.audit.verdict(), AuditVerdict::differs);
+}
+
+// An object class does not go with its entry: it is the new server's own, or the server's others stand in its place.
+TEST(RuleAudit, FindsAValueThatTheNewServerHeldAmongManyAsAmongFew) {
+  for (const int many : {3, 60}) {
+    const std::string head = kRoot + std::string("dn: cn=A,cn=Configuration\n");  // 5
+    std::string classes;
+    for (int i = 0; i < many; ++i) classes += "objectClass: c" + std::to_string(i) + "\n";
+    const std::string old = head + "cn: A\n" + classes + "objectClass: mine\n";  // from line 7 on
+    const std::string before = head + "cn: A\nobjectClass: theirs\n" + classes;  // from line 8 on
+    const Audited audited("6.0", old, before, migrated("6.0", old, before));
+    EXPECT_THAT(discrepanciesOf(audited), IsEmpty());
+    for (std::size_t i = 0; i < static_cast<std::size_t>(many); ++i) {
+      EXPECT_EQ(fateOf(audited, 7 + i), "same " + std::to_string(8 + i)) << many;
+    }
+    EXPECT_EQ(fateOf(audited, 7 + static_cast<std::size_t>(many)), "kept-new 7") << many;
+  }
+}
+
+TEST(RuleAudit, HasWordsOfItsOwnForEachReasonAndEachKindOfDiscrepancy) {
+  std::set<std::string> words;
+  for (int i = 0; i <= static_cast<int>(tool::AuditReason::outside); ++i) {
+    EXPECT_TRUE(words.insert(wordsFor(static_cast<tool::AuditReason>(i))).second) << i;
+  }
+  EXPECT_FALSE(words.contains("")) << "a reason without words";
+  words.clear();
+  using Kind = tool::Discrepancy::Kind;
+  for (const Kind kind : {Kind::missingValue, Kind::missingEntry, Kind::notReplaced, Kind::missingNewValue,
+                          Kind::missingNewEntry, Kind::changedValue, Kind::uncalledFor, Kind::unexplainedValue,
+                          Kind::unexplainedEntry, Kind::repeatedValue, Kind::otherOrder}) {
+    EXPECT_TRUE(words.insert(wordsFor(kind)).second);
+  }
+  EXPECT_FALSE(words.contains("")) << "a kind without words";
 }
 
 // ---- Schema files --------------------------------------------------------------------------------------------------

@@ -191,4 +191,41 @@ TEST(SettledEntries, TellWhichPathsAreAnybodys) {
   }
 }
 
+TEST(SettledEntries, AreShownLikeTheOthersWhenTheyHaveALineTwice) {
+  const std::string plain =
+      "dn: cn=A, cn=Configuration\nobjectClass: top\ncn: A\nzor-note: x\nzor-note: y\nzor-note: y\nzor-note: x\n";
+  const Merge whole("6.0", kRoot + plain, kRoot + plain, false);
+  const Merge merge("6.0", kRoot + plain, kRoot + plain, true);
+  ASSERT_EQ(merge.ledger.old.valuesSetAside(), 6U);
+  for (const tool::Format format : {tool::Format::text, tool::Format::ldif, tool::Format::html}) {
+    EXPECT_EQ(merge.report(format, true), whole.report(format, true));
+  }
+}
+
+TEST(SettledEntries, AreOfOneNumberInTheThreeConfigurations) {
+  const std::string plain = "dn: cn=A, cn=Configuration\nobjectClass: top\ncn: A\n";
+  Merge merge("6.0", kRoot + plain, kRoot + plain, true);
+  ASSERT_THAT(tool::sumErrors(merge.ledger), IsEmpty());
+  ConfigFile other(merge.workspace.path("new.ldif").c_str(), nullptr);
+  merge.ledger.before = cfgstore::Snapshot(storeOf(other));
+  EXPECT_THAT(tool::sumErrors(merge.ledger),
+              testing::Contains(HasSubstr("different numbers of values that were set aside")));
+}
+
+TEST(SelfCheck, NamesWhatIsInTheResultAndNoRuleBringsThere) {
+  Merge merge("6.0", kRoot, kRoot, false);
+  const auto check = [&](const std::string& text) {
+    return tool::selfCheck(merge.ledger, storeOf(merge.now), merge.workspace.write("result.ldif", text), "");
+  };
+  const std::string text = merge.result();
+  EXPECT_THAT(check(text), IsEmpty());
+  std::string more = text;
+  more.insert(more.find("cn: Configuration"), "zor-b: Pl4nted\n");
+  EXPECT_THAT(check(more), testing::Contains("in CN=CONFIGURATION, zor-b: a value is there that neither configuration "
+                                             "explains"));
+  EXPECT_THAT(check(more), testing::Each(Not(HasSubstr("Pl4nted"))));
+  EXPECT_THAT(check(text + "\ndn: cn=B, cn=Configuration\ncn: B\n"),
+              testing::Contains("in CN=B,CN=CONFIGURATION: an entry is there that neither configuration explains"));
+}
+
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <nlohmann/json.hpp>
 
@@ -145,6 +146,42 @@ TEST_F(VerifyProcess, ShowsTheFirstTwentyOfEachKindUnlessAskedForAll) {
   edit("zor-slapdPort: 1389\n", "zor-slapdPort: 1389\n" + more);
   EXPECT_THAT(verify().out, HasSubstr("    and 5 more; --all shows them\n"));
   EXPECT_THAT(verify({"--all"}).out, AllOf(Not(HasSubstr("more; --all")), HasSubstr("\"24\"")));
+}
+
+TEST_F(VerifyProcess, KnowsTheLastLineOfTheNewFileThatGotAnEnd) {
+  workspace.write("new.ldif", sample::kNew + std::string("# the last line"), 0640);
+  std::filesystem::remove(workspace.path("merged.ldif"));
+  ASSERT_EQ(apply({"-o", workspace.path("merged.ldif")}).status, 0);
+  ASSERT_THAT(workspace.read("merged.ldif"), HasSubstr("# the last line\n"));
+  EXPECT_THAT(verify().out, Not(HasSubstr("no longer there as it was")));
+  edit("# the last line", "# another line");
+  EXPECT_THAT(verify().out, HasSubstr("no longer there as it was"));
+}
+
+TEST_F(VerifyProcess, NamesTheOldLineOfAValueThatNoRuleBringsThere) {
+  edit("zor-slapdPort: 1389\n", "zor-slapdPort: 1389\nzor-slapdSysLogLevel: h\n");
+  const ToolResult result = verify();
+  EXPECT_EQ(result.status, 1);
+  EXPECT_THAT(result.out, AllOf(HasSubstr("an old value is there that no rule brings there"),
+                                HasSubstr("      it is that of " + workspace.path("old.ldif") + ":7\n")));
+  EXPECT_EQ(Json::parse(verify({"--json"}).out)["discrepancies"][0]["old_line"], 7);
+}
+
+TEST_F(VerifyProcess, ListsTheSchemaFilesThatAreIncludedAsBefore) {
+  const std::string entry =
+      "\ndn: cn=ZOR Directory,cn=Schemas,cn=Configuration\nobjectClass: top\ncn: ZOR Directory\n"
+      "zor-slapdSchemaAdditions: /opt/our.additions\n";
+  workspace.write("old.ldif", sample::kOld + entry + "zor-slapdIncludeSchema: /opt/our.at\n", 0600);
+  workspace.write("new.ldif", sample::kNew + entry, 0640);
+  std::filesystem::remove(workspace.path("merged.ldif"));
+  apply({"-o", workspace.path("merged.ldif")});
+  EXPECT_TRUE(Json::parse(verify({"--json"}).out)["schema_files_left"].empty()) << "none were to be copied";
+  const Json files = Json::parse(verify({"--target-dir", "/opt/copies", "--json"}).out)["schema_files_left"];
+  ASSERT_EQ(files.size(), 1U);
+  EXPECT_EQ(files[0]["value"], "/opt/our.at");
+  const std::string merged = workspace.read("merged.ldif");
+  const auto end = merged.begin() + static_cast<std::ptrdiff_t>(merged.find("zor-slapdIncludeSchema: /opt/our.at"));
+  EXPECT_EQ(files[0]["line"], std::count(merged.begin(), end, '\n') + 1);
 }
 
 TEST_F(VerifyProcess, TouchesNoFile) {

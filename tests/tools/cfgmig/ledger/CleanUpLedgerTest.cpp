@@ -65,4 +65,19 @@ TEST(CleanUpLedger, AccountsForAnEntryThatIsRemoved) {
   EXPECT_THAT(sumErrors(merged.ledger()), IsEmpty());
 }
 
+TEST(CleanUpLedger, AccountsForAnEntryThatTheMergeAddedAndThatIsRemoved) {
+  const std::string changeLog =
+      "dn: CN=CHANGE LOG,CN=RDBM BACKENDS,CN=ZOR DIRECTORY,CN=SCHEMAS,CN=CONFIGURATION\n"
+      "objectClass: top\ncn: Change Log\nzor-x: old\n";
+  const Migrated merged("5.2", kMain + changeLog, kMain, {}, [](ConfigFile& now, tool::LedgerBuilder& builder) {
+    builder.cleanUpBy(tool::traced::kRemoveClInfo);
+    now.removeCLInfo();
+  });
+  for (const std::size_t line : {6U, 7U, 8U}) {
+    EXPECT_THAT(merged.fateAt(line), testing::StartsWith("cleaned by")) << line;
+  }
+  EXPECT_THAT(merged.replaced(), IsEmpty());
+  EXPECT_THAT(sumErrors(merged.ledger()), IsEmpty());
+}
+
 }  // namespace

@@ -19,6 +19,7 @@ namespace {
 using Json = nlohmann::json;
 using testing::Each;
 using testing::Eq;
+using testing::HasSubstr;
 using testing::StartsWith;
 using tool::Format;
 
@@ -77,12 +78,19 @@ TEST(JsonReport, IsValidWithAllThatThereCanBe) {
   report.mismatches = {"the sums do not match"};
   const std::string full = written(report, Format::json);
   sample->setFate("cn=Configuration", "zor-slapdSysLogLevel", "h", tool::ValueFate::cleaned, "removeDBInfo", "gone");
+  tool::LedgerEvent removal;
+  removal.operation = static_cast<std::uint8_t>(cfgstore::Operation::removeEntry);
+  removal.dn = "CN=LOG,CN=CONFIGURATION";
+  sample->addEvent(removal);
+  std::vector<std::string> documents = {plain, full};
   for (const auto fate : {tool::EntryFate::moved, tool::EntryFate::rebuilt, tool::EntryFate::left,
                           tool::EntryFate::outside, tool::EntryFate::added}) {
     sample->setEntry("cn=Given Up,cn=Configuration", fate, "m", "w", "cn=X,cn=Configuration");
+    documents.push_back(written(reportOf(sample->ledger(), true), Format::json));
   }
-  const std::string open = written(reportOf(sample->ledger(), true), Format::json);
-  EXPECT_THAT(validate({plain, full, open}), Each(Eq("valid")));
+  EXPECT_THAT(validate(documents), Each(Eq("valid")));
+  EXPECT_THAT(documents[5], HasSubstr("\"fate\": \"outside\""));
+  EXPECT_THAT(documents[5], HasSubstr("\"remove-entry\""));
 }
 
 // What would break a reader that trusts the schema.

@@ -133,4 +133,14 @@ TEST(TextReport, HasEachValueWithItsFateAndItsPlace) {
   EXPECT_EQ(text.find('\a'), std::string::npos);
 }
 
+TEST(TextReport, NamesEachFaultOfTheSums) {
+  const auto sample = richLedger();
+  tool::Report report = reportOf(sample->ledger());
+  EXPECT_THAT(written(report, Format::text), Not(HasSubstr("  mismatch ")));
+  report.mismatches = {"2 values more are the same", "no reason at all"};
+  const std::string text = written(report, Format::text);
+  EXPECT_THAT(text, HasSubstr("  mismatch 2 values more are the same\n"));
+  EXPECT_THAT(text, HasSubstr("  mismatch no reason at all\n"));
+}
+
 }  // namespace

@@ -83,6 +83,12 @@ TEST(Summary, HasColoursOnlyWhenTold) {
   const tool::Report report = reportOf(sample->ledger());
   for (const std::string& line : summaryOf(report)) EXPECT_THAT(line, Not(HasSubstr("\x1b")));
   EXPECT_THAT(summaryOf(report, true), Contains("\x1b[1;31m  lost      2 of 22 old values\x1b[0m"));
+  EXPECT_EQ(summaryOf(report, true)[0], summaryOf(report)[0]) << "what is neither good nor bad has none";
+}
+
+TEST(Summary, HasTheColourOfGoodNewsWhenNothingWasLost) {
+  const SampleLedger sample(kSame, kSame, kSame);
+  EXPECT_THAT(summaryOf(reportOf(sample.ledger()), true), Contains("\x1b[32m  lost      nothing\x1b[0m"));
 }
 
 TEST(Summary, KeepsControlCharactersFromTheTerminal) {

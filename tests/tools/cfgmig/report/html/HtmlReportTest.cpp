@@ -255,6 +255,26 @@ TEST(HtmlReport, WritesHostileTextAsText) {
   EXPECT_TRUE(holds(page, "&#60;img src=x onerror=&#34;window.planted = 2&#34;&#62;"));
 }
 
+// In the tree an entry stands below those that it belongs to, so that its first name is enough.
+TEST(HtmlReport, ShowsTheFirstNameOfAnEntryWholeHoweverItIsWritten) {
+  const std::string root = "dn: cn=Configuration\ncn: Configuration\n";
+  for (const std::string name : {"cn=\"a,b\"", "cn=a\\,b"}) {
+    const std::string text = root + "\ndn: " + name + ", cn=Configuration\nou: x\n";
+    const SampleLedger sample(text, text, text);
+    std::string shown = name;
+    for (std::size_t at = 0; (at = shown.find('"', at)) != std::string::npos; at += 5) shown.replace(at, 1, "&#34;");
+    EXPECT_TRUE(holds(pageOf(sample), ">" + shown + "<")) << shown;
+  }
+}
+
+TEST(HtmlReport, SaysWhatBecameOfAnEntryThatNoMergeLooksAt) {
+  const std::string root = "dn: cn=Configuration\ncn: Configuration\n";
+  SampleLedger sample(root + "\ndn: o=Acme\no: Acme\n", root, root);
+  EXPECT_FALSE(holds(pageOf(sample), "No merge looks at this entry"));
+  sample.setEntry("o=Acme", tool::EntryFate::outside, "", "it is not below the configuration", "");
+  EXPECT_TRUE(holds(pageOf(sample), "No merge looks at this entry: it is not below the configuration.</p>"));
+}
+
 TEST(HtmlReport, IsUtf8ThroughoutWithoutControls) {
   const std::string page = pageOf(*sample::hostile());
   EXPECT_FALSE(
