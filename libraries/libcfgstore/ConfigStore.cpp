@@ -1,10 +1,12 @@
 #include "ConfigStore.h"
 
 #include <ctime>
+#include <span>
 #include <utility>
 
 #include "AtomicFile.h"
 #include "Document.h"
+#include "EqualEntries.h"
 #include "SourceText.h"
 
 namespace cfgstore {
@@ -33,8 +35,15 @@ OpenError::OpenError(const std::string& path, std::vector<Problem> problems)
 
 struct ConfigStore::State {
   State(const std::string& path, SourceText text, std::vector<Problem>& problems)
-      : document(std::move(text), problems),
-        source{path, document.source().resolvedPath(), document.source().stamp(), document.source().text()} {}
+      : document(std::move(text), problems), source(sourceAt(path)) {}
+  State(const std::string& path, SourceText text, std::vector<Problem>& problems, const Document& model)
+      : document(std::move(text), problems, model), source(sourceAt(path)) {}
+  State(Document& edited, std::vector<Problem>& problems) : document(edited, problems), source(sourceAt({})) {}
+
+  SourceFile sourceAt(const std::string& path) const {
+    const SourceText& text = document.source();
+    return {path, text.resolvedPath(), text.stamp(), text.text()};
+  }
 
   Document document;
   SourceFile source;
@@ -46,6 +55,22 @@ ConfigStore::ConfigStore(const std::string& path) {
   std::vector<Problem> problems;
   m_state = std::make_unique<State>(path, readSource(path), problems);
   if (!problems.empty()) throw OpenError(path, std::move(problems));
+}
+
+ConfigStore::ConfigStore(std::unique_ptr<State> state) : m_state(std::move(state)) {}
+
+std::unique_ptr<ConfigStore> openLike(const std::string& path, const ConfigStore& model) {
+  std::vector<Problem> problems;
+  auto state = std::make_unique<ConfigStore::State>(path, readSource(path), problems, model.document());
+  if (!problems.empty()) throw OpenError(path, std::move(problems));
+  return std::unique_ptr<ConfigStore>(new ConfigStore(std::move(state)));
+}
+
+std::unique_ptr<ConfigStore> readAsSaved(ConfigStore& store) {
+  std::vector<Problem> problems;
+  auto state = std::make_unique<ConfigStore::State>(store.document(), problems);
+  if (!problems.empty()) throw OpenError({}, std::move(problems));
+  return std::unique_ptr<ConfigStore>(new ConfigStore(std::move(state)));
 }
 
 ConfigStore::~ConfigStore() = default;
@@ -65,7 +90,7 @@ bool ConfigStore::changed() const { return m_state->document.changed(); }
 std::string_view ConfigStore::textAsRead() const { return m_state->document.source().text(); }
 
 std::string ConfigStore::text() const {
-  const auto pieces = m_state->document.pieces();
+  const auto& pieces = m_state->document.pieces();
   std::size_t size = 0;
   for (const std::string_view piece : pieces) size += piece.size();
   std::string text;
@@ -77,7 +102,7 @@ std::string ConfigStore::text() const {
 std::vector<std::string_view> ConfigStore::pieces() const { return m_state->document.pieces(); }
 
 SaveResult ConfigStore::save(const std::string& target, Backup backup, unsigned permissions) {
-  const auto pieces = m_state->document.pieces();
+  const auto& pieces = m_state->document.pieces();
   AtomicFile file(FileSystem::real(), target, m_state->source);
   SavedFile saved = file.save(pieces, backup, std::time(nullptr), permissions);
   if (saved.isSource) {

@@ -161,7 +161,11 @@ class ConfigStore {
   const Document& document() const;
 
  private:
+  friend std::unique_ptr<ConfigStore> openLike(const std::string& path, const ConfigStore& model);
+  friend std::unique_ptr<ConfigStore> readAsSaved(ConfigStore& store);
+
   struct State;
+  explicit ConfigStore(std::unique_ptr<State> state);
   std::unique_ptr<State> m_state;
 };
 

@@ -4,6 +4,7 @@
 #include <array>
 #include <utility>
 
+#include "LargeMemory.h"
 #include "LdifReader.h"
 #include "NormalDn.h"
 
@@ -25,15 +26,108 @@ bool canBeNewName(std::string_view name) {
 
 }  // namespace
 
+// Those that a model has set aside, in the order of its file.
+class Document::SetAsideBefore : public KnownEntries {
+ public:
+  explicit SetAsideBefore(const Document& model) : m_model(model) { expectBehind(kHead); }
+  const Entry& expected() const override { return m_expected; }
+  void wasThere() override { expectBehind(m_expected.number); }
+  void wasRead(std::string_view normal) override {
+    const EntryId id = m_model.lookUp(normal);
+    if (id != kNoEntry) expectBehind(id);
+  }
+
+ private:
+  void expectBehind(EntryId id) {
+    m_expected.number = m_model.setAsideBehind(id);
+    if (m_expected.number == kNoEntry) return;
+    const Document::Entry& entry = m_model.m_entries[m_expected.number];
+    m_expected = {m_expected.number, entry.textAsRead(), entry.normal, entry.dn, {}};
+  }
+
+  const Document& m_model;
+  Entry m_expected;
+};
+
+// Those that an edited document has set aside, and the rest of its text.
+class Document::CutOut : public KnownEntries {
+ public:
+  explicit CutOut(Document& edited) : m_edited(edited) {
+    const std::string_view source = edited.m_source.text();
+    EntryId id = edited.setAsideBehind(kHead);
+    for (std::string_view piece : edited.pieces()) {
+      const bool isSource = piece.data() >= source.data() && piece.data() < source.data() + source.size();
+      while (isSource && id != kNoEntry) {
+        const std::string_view entry = edited.m_entries[id].textAsRead();
+        if (entry.data() + entry.size() > piece.data() + piece.size()) break;
+        add(piece.substr(0, static_cast<std::size_t>(entry.data() - piece.data())));
+        m_cuts.push_back({m_size, id});
+        piece.remove_prefix(static_cast<std::size_t>(entry.data() + entry.size() - piece.data()));
+        id = edited.setAsideBehind(id);
+      }
+      add(piece);
+    }
+    expect(0);
+  }
+
+  std::span<const std::string_view> rest() const { return m_rest; }
+
+  const Entry& expected() const override { return m_expected; }
+  void wasThere() override { expect(m_next + 1); }
+  void wasRead(std::string_view) override {}
+
+ private:
+  struct Cut {
+    std::size_t at;
+    EntryId id;
+  };
+
+  void add(std::string_view text) {
+    m_rest.push_back(text);
+    m_size += text.size();
+  }
+
+  void expect(std::size_t cut) {
+    m_next = cut;
+    m_expected.number = kNoEntry;
+    if (cut == m_cuts.size()) return;
+    const Document::Entry& entry = m_edited.m_entries[m_cuts[cut].id];
+    m_expected = {m_cuts[cut].id, entry.textAsRead(), entry.normal, entry.dn, m_cuts[cut].at};
+  }
+
+  const Document& m_edited;
+  std::vector<std::string_view> m_rest;
+  std::size_t m_size = 0;
+  std::vector<Cut> m_cuts;
+  std::size_t m_next = 0;
+  Entry m_expected;
+};
+
 Document::Document(SourceText source, std::vector<Problem>& problems) : m_source(std::move(source)) {
-  LdifContent content = readLdif(m_source.text(), m_arena);
+  read(problems, nullptr, nullptr);
+}
+
+Document::Document(SourceText source, std::vector<Problem>& problems, const Document& model)
+    : m_source(std::move(source)) {
+  SetAsideBefore known(model);
+  read(problems, &model, &known);
+}
+
+Document::Document(Document& edited, std::vector<Problem>& problems) {
+  CutOut known(edited);
+  m_source = SourceText(known.rest());
+  read(problems, &edited, &known);
+}
+
+void Document::read(std::vector<Problem>& problems, const Document* model, KnownEntries* known) {
+  LdifContent content = readLdif(m_source.text(), m_arena, known);
   problems = std::move(content.problems);
   if (!problems.empty()) return;
   m_lines = std::move(content.lines);
-  if (!m_lines.empty()) m_lastLine = m_lines.back().kind;
   m_index = std::move(content.index);
   const std::span<const Line> lines(m_lines);
   const std::size_t count = content.entries.size();
+  reserveLarge(m_entries, count + 1);
   m_entries.resize(count + 1);
   m_entries[kHead].gap = lines.first(count == 0 ? lines.size() : content.entries[0].first);
   m_entries[kHead].removed = true;
@@ -44,12 +138,37 @@ Document::Document(SourceText source, std::vector<Problem>& problems) : m_source
     entry.body = lines.subspan(span.first, span.end - span.first);
     entry.gap = lines.subspan(span.end, next - span.end);
     entry.normal = span.normal;
-    entry.dn = lines[span.dn];
+    entry.lineAsRead = static_cast<std::uint32_t>(span.line);
     entry.previous = static_cast<EntryId>(i);
     m_entries[i].next = static_cast<EntryId>(i + 1);
     m_longestNormal = std::max(m_longestNormal, span.normal.size());
+    if (span.known == kNoEntry) {
+      entry.dn = lines[span.dn];
+    } else {
+      takeOver(span.text, model->m_entries[span.known], entry);
+    }
   }
   m_last = static_cast<EntryId>(count);
+  if (!m_lines.empty()) m_lastLine = m_lines.back().kind;
+  if (m_entries[m_last].setAside && m_entries[m_last].gap.empty()) m_lastLine = LineKind::attribute;
+}
+
+// The next entry behind this one that is set aside and as it was read.
+EntryId Document::setAsideBehind(EntryId entry) const {
+  do entry = m_entries[entry].next;
+  while (entry != kNoEntry && !(m_entries[entry].setAside && m_entries[entry].isAsRead()));
+  return entry;
+}
+
+// `like` has the same text, and is set aside.
+void Document::takeOver(std::string_view text, const Entry& like, Entry& entry) {
+  entry.aside = text;
+  entry.dn = like.dn;
+  entry.dn.raw = text.data() + (like.dn.raw - like.textAsRead().data());
+  entry.setAside = true;
+  entry.valuesSetAside = like.valuesSetAside;
+  m_valuesSetAside += like.valuesSetAside;
+  m_hasAllLines = false;
 }
 
 EntryId Document::lookUp(std::string_view normal) const {
@@ -135,20 +254,21 @@ ResultCode Document::visitSubordinates(std::string_view baseDn, int scope,
   return kSuccess;
 }
 
-void Document::visitEntries(
-    const std::function<void(std::string_view, const EntryLines&)>& visit,
-    const std::function<void(EntryId, std::string_view, const Line&, std::size_t)>& visitSetAside) const {
-  EntryLines read;
+void Document::visitEntries(const std::function<void(const Visited& entry)>& visit) const {
   std::vector<Line> again;
   for (EntryId id = m_entries[kHead].next; id != kNoEntry; id = m_entries[id].next) {
     const Entry& entry = m_entries[id];
     if (entry.removed) continue;
-    if (entry.setAside) {
-      visitSetAside(id, entry.normal, entry.dn, entry.valuesSetAside);
-      continue;
+    Visited visited{id, entry.normal, entry.dn, entry.lineAsRead, entry.valuesSetAside, {}, nullptr};
+    if (!entry.setAside) {
+      visited.valuesSetAside = 0;
+      if (entry.edited || !entry.isAsRead()) {
+        visited.edited = entry.lines.get();
+      } else {
+        visited.asRead = bodyOf(entry, again);
+      }
     }
-    if (!entry.lines) read.assign(bodyOf(entry, again));
-    visit(entry.normal, entry.lines ? *entry.lines : read);
+    visit(visited);
   }
 }
 

@@ -19,6 +19,7 @@
 #include "ConfigStore.h"
 #include "EntryIndex.h"
 #include "EntryLines.h"
+#include "LdifReader.h"
 #include "Line.h"
 #include "LineWriter.h"
 #include "ResultCode.h"
@@ -31,7 +32,15 @@ namespace cfgstore {
 class Document {
  public:
   // Reads the text; problems, if there are any, go to `problems`, and the document is then not to be used.
-  Document(SourceText source, std::vector<Problem>& problems);
+  explicit Document(SourceText source, std::vector<Problem>& problems);
+
+  // The same, but for entries that `model` has set aside and that stand here with the very same bytes: these are set
+  // aside at once and not taken apart. Others of them may stand here as well, at other places.
+  Document(SourceText source, std::vector<Problem>& problems, const Document& model);
+
+  // Reads the content of `edited` as if it had been saved. Entries that are set aside there are set aside here, and
+  // not even copied: `edited` must outlive this document, and stay as it is. Lines are numbered as in that file.
+  Document(Document& edited, std::vector<Problem>& problems);
   Document(const Document&) = delete;
   Document& operator=(const Document&) = delete;
 
@@ -45,12 +54,22 @@ class Document {
   // order of the file. Scope 2 includes the base itself. kInvalidDnSyntax when `baseDn` is no DN.
   ResultCode visitSubordinates(std::string_view baseDn, int scope, const std::function<void(std::string_view)>& visit);
 
-  // Calls `visit` with each entry in the order of the file: its DN in normal form, and its lines, which are valid
-  // during the call. Neither the document nor what it keeps in memory changes. Entries that are set aside go to
-  // `visitSetAside`, each with its dn line and with how many values it has.
-  void visitEntries(const std::function<void(std::string_view normal, const EntryLines& lines)>& visit,
-                    const std::function<void(EntryId entry, std::string_view normal, const Line& dn,
-                                             std::size_t values)>& visitSetAside) const;
+  // An entry as visitEntries shows it.
+  struct Visited {
+    EntryId id;
+    std::string_view normal;
+    const Line& dn;
+    std::size_t lineAsRead;        // the number of its dn line in the file; 0 for a new entry
+    std::size_t valuesSetAside;    // 0 unless it is set aside, and then its lines are not shown
+    std::span<const Line> asRead;  // its lines if it is as it was read; valid during the call
+    const EntryLines* edited;      // otherwise
+  };
+
+  // Calls `visit` with each entry in the order of the file. Neither the document nor what it keeps in memory changes.
+  void visitEntries(const std::function<void(const Visited& entry)>& visit) const;
+
+  // Finds entries that are not removed by the normal forms of their DNs.
+  const EntryIndex& index() const { return m_index; }
 
   // Not less than there are entries, and values in those that are not set aside; about as many.
   std::size_t mostEntries() const { return m_entries.size(); }
@@ -87,8 +106,9 @@ class Document {
   ResultCode removeEntry(std::string_view dn);
 
   // The content, in pieces to be laid end to end. Valid until the next edit.
-  std::vector<std::string_view> pieces();
+  const std::vector<std::string_view>& pieces();
   bool changed();
+  bool isEdited() const { return m_edited; }  // perhaps to what it was before
 
   // How many edits there have been; an operation that found nothing to do is none.
   std::size_t edits() const { return m_edits; }
@@ -111,21 +131,28 @@ class Document {
     EntryId next = kNoEntry;
     EntryId subtreeEnd = kNoEntry;  // where a search for the end of the subtree last ended
     std::uint32_t valuesSetAside = 0;
+    std::uint32_t lineAsRead = 0;
     bool removed = false;
     bool edited = false;
     bool setAside = false;
 
     std::string_view textAsRead() const;
     bool isAsRead() const { return !edited && !removed && !(body.empty() && aside.empty()); }
+    bool lastsAsRead() const;
     std::span<const Line> linesBelowDn() const;
   };
   class Renderer;
+  class SetAsideBefore;
+  class CutOut;
 
   static constexpr EntryId kHead = 0;
 
   EntryLines& editable(EntryId entry);
   std::span<const Line> bodyOf(const Entry& entry, std::vector<Line>& again) const;
   std::size_t setAsideEqual(Document& other, const EntryTest& mayBe, EntryId begin, EntryId end);
+  void read(std::vector<Problem>& problems, const Document* model, KnownEntries* known);
+  EntryId setAsideBehind(EntryId entry) const;
+  void takeOver(std::string_view text, const Entry& like, Entry& entry);
   void dropLinesSetAside();
   Line newLine(std::string_view name, std::string_view value);
   EntryId lookUp(std::string_view normal) const;
@@ -150,6 +177,8 @@ class Document {
   std::optional<Habits> m_habits;
   bool m_hasAllLines = true;
   std::string m_separator;
+  std::vector<std::string_view> m_pieces;                    // as they were asked for last
+  std::size_t m_piecesEdits = static_cast<std::size_t>(-1);  // m_edits then
 
   std::string m_recentDn;  // as the caller wrote it
   EntryId m_recent = kNoEntry;

@@ -92,9 +92,12 @@ class Document::Renderer {
   const char* m_unterminated = nullptr;  // the end of a last line that has no line end
 };
 
-std::vector<std::string_view> Document::pieces() {
-  if (!m_edited) return {m_source.text()};
-  return Renderer(*this).render();
+const std::vector<std::string_view>& Document::pieces() {
+  if (m_piecesEdits != m_edits) {
+    m_pieces = m_edited ? Renderer(*this).render() : std::vector<std::string_view>{m_source.text()};
+    m_piecesEdits = m_edits;
+  }
+  return m_pieces;
 }
 
 bool Document::changed() {

@@ -1,9 +1,15 @@
 #include "EqualEntries.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
+
 #include <algorithm>
 
 #include "Document.h"
+#include "LargeMemory.h"
 #include "LdifReader.h"
+#include "NewFile.h"
+#include "OpenFile.h"
 #include "Threads.h"
 
 namespace cfgstore {
@@ -22,6 +28,9 @@ std::uint32_t valuesIn(std::span<const Line> lines) {
 }
 
 }  // namespace
+
+// A last line without its end gets one when an entry is added behind it, and is then no longer as it was read.
+bool Document::Entry::lastsAsRead() const { return isAsRead() && textAsRead().ends_with('\n'); }
 
 std::string_view Document::Entry::textAsRead() const { return body.empty() ? aside : textOf(body); }
 
@@ -49,7 +58,7 @@ void Document::dropLinesSetAside() {
   std::size_t count = m_lines.size();
   for (const Entry& entry : m_entries) count -= entry.setAside ? entry.body.size() : 0;
   std::vector<Line> left;
-  left.reserve(count);  // so that the spans stay valid
+  reserveLarge(left, count);  // so that the spans stay valid
   const auto keep = [&left](std::span<const Line>& lines) {
     const std::size_t at = left.size();
     left.insert(left.end(), lines.begin(), lines.end());
@@ -74,12 +83,12 @@ std::size_t Document::setAsideEqual(Document& other, const EntryTest& mayBe, Ent
   EntryId next = kNoEntry;  // mostly both files have the same order
   for (EntryId id = begin; id < end; ++id) {
     Entry& mine = m_entries[id];
-    if (!mine.isAsRead() || mine.setAside) continue;
+    if (!mine.lastsAsRead() || mine.setAside) continue;
     if (next == kNoEntry || other.m_entries[next].normal != mine.normal) next = other.lookUp(mine.normal);
     if (next == kNoEntry) continue;
     Entry& theirs = other.m_entries[next];
     next = theirs.next;
-    if (!theirs.isAsRead() || theirs.setAside) continue;
+    if (!theirs.lastsAsRead() || theirs.setAside) continue;
     const std::span<const Line> lines = mine.linesBelowDn();
     if (textOf(lines) != textOf(theirs.linesBelowDn()) || !mayBe(mine.normal, lines)) continue;
     mine.setAside = theirs.setAside = true;
@@ -105,11 +114,16 @@ void Document::setAsideEqual(Document& other, const EntryTest& mayBe) {
 
 std::vector<std::string_view> Document::setAsideLike(const Document& model) {
   std::vector<std::string_view> others;
+  bool hasNew = false;
   EntryId next = m_entries[kHead].next;
   for (EntryId id = model.m_entries[kHead].next; id != kNoEntry; id = model.m_entries[id].next) {
     const Entry& entry = model.m_entries[id];
     if (!entry.setAside) continue;
     if (next == kNoEntry || m_entries[next].normal != entry.normal) next = lookUp(entry.normal);
+    if (next != kNoEntry && m_entries[next].setAside) {  // when it was read
+      next = m_entries[next].next;
+      continue;
+    }
     if (next == kNoEntry || !m_entries[next].isAsRead() || m_entries[next].textAsRead() != entry.textAsRead()) {
       others.push_back(entry.normal);
       continue;
@@ -118,8 +132,9 @@ std::vector<std::string_view> Document::setAsideLike(const Document& model) {
     m_entries[next].valuesSetAside = entry.valuesSetAside;
     m_valuesSetAside += entry.valuesSetAside;
     next = m_entries[next].next;
+    hasNew = true;
   }
-  dropLinesSetAside();
+  if (hasNew) dropLinesSetAside();
   return others;
 }
 
@@ -149,6 +164,18 @@ bool Document::isSetAsideUntouched() const {
 
 void setAsideEqualEntries(ConfigStore& one, ConfigStore& other, const EqualEntryTest& mayBe) {
   one.document().setAsideEqual(other.document(), mayBe);
+}
+
+bool holdsText(const std::string& path, const std::vector<std::string_view>& pieces) {
+  FileSystem& files = FileSystem::real();
+  const OpenFile file(files, files.open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK, 0));
+  struct stat status {};
+  if (!file || files.fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) return false;
+  try {
+    return holdsContent(files, file.get(), pieces);
+  } catch (const FileError&) {
+    return false;
+  }
 }
 
 void learnHabits(ConfigStore& store) { store.document().habits(); }

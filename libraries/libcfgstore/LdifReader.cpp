@@ -5,6 +5,7 @@
 #include <limits>
 #include <optional>
 
+#include "LargeMemory.h"
 #include "NormalDn.h"
 #include "ShownText.h"
 
@@ -56,15 +57,17 @@ RemarkKind kindOf(LineFault fault) {
 
 class Reader {
  public:
-  Reader(std::string_view text, TextArena& arena, const OnProblem& onProblem, std::size_t mostLines)
-      : m_text(text), m_arena(arena), m_onProblem(onProblem), m_mostLines(mostLines) {}
+  Reader(std::string_view text, TextArena& arena, const OnProblem& onProblem, std::size_t mostLines,
+         KnownEntries* known)
+      : m_text(text), m_arena(arena), m_onProblem(onProblem), m_mostLines(mostLines), m_known(known) {}
 
   LdifContent read();
 
  private:
   enum class Place { outside, inEntry, inEntryWithoutDn };
 
-  void reserveLines();
+  void reserveRoom();
+  bool passKnown(std::size_t& at);
   std::size_t endOfLogicalLine(std::size_t begin);
   void lookForRareBytes(std::size_t end);
   void readLine(std::string_view line);
@@ -76,6 +79,8 @@ class Reader {
   void readVersion(const Line& line);
   void readDn(const Line& line);
   void readAttribute(const Line& line, std::string_view name);
+  EntryId findOrEnter(std::string_view normal);
+  std::string_view kept(std::string_view normal, std::string_view dn, const Line& line);
   void startEntry(std::optional<std::string_view> normal);
   void endEntry();
   static std::size_t strayReturn(std::string_view line);
@@ -87,6 +92,7 @@ class Reader {
   TextArena& m_arena;
   const OnProblem& m_onProblem;
   std::size_t m_mostLines;
+  KnownEntries* m_known;
   LdifContent m_content;
   Place m_place = Place::outside;
   std::size_t m_lineNumber = 1;        // of the first physical line of the logical line at hand
@@ -103,13 +109,15 @@ class Reader {
 };
 
 LdifContent Reader::read() {
-  reserveLines();
+  reserveRoom();
   std::size_t at = 0;
   if (m_text.starts_with(kByteOrderMark)) {
     at = kByteOrderMark.size();
     m_content.lines.push_back({m_text.data(), static_cast<std::uint32_t>(at), 0, LineKind::byteOrderMark, 0});
   }
-  while (at < m_text.size() && !m_ended) {
+  while (!m_ended) {
+    if (m_known != nullptr && passKnown(at)) continue;
+    if (at >= m_text.size()) break;
     const std::size_t end = endOfLogicalLine(at);
     lookForRareBytes(end);
     if (m_content.lines.size() >= m_mostLines) {
@@ -130,14 +138,57 @@ void Reader::problemOn(std::size_t lineNumber, RemarkKind kind, std::string text
   m_ended = !m_onProblem({lineNumber, std::move(text), kind});
 }
 
-// The lines of a configuration are much alike, so its first part tells how many there are. Room that is not used is
-// never touched and costs nothing, but no file shall make the system refuse it: lines of eight bytes are short enough.
-void Reader::reserveLines() {
+// The parts of a configuration are much alike, so its first one tells how many lines and entries there are. Room that
+// is not used is never touched and costs nothing, but no file shall make the system refuse it: lines of eight bytes are
+// short enough, and entries of four such lines.
+void Reader::reserveRoom() {
   const std::string_view sample = m_text.substr(0, kSample);
-  const auto count = static_cast<std::size_t>(std::count(sample.begin(), sample.end(), '\n')) + 1;
-  const double perByte = static_cast<double>(count) / static_cast<double>(std::max<std::size_t>(sample.size(), 1));
-  const auto expected = static_cast<std::size_t>(perByte * 1.1 * static_cast<double>(m_text.size()));
-  m_content.lines.reserve(std::min(expected, m_text.size() / kShortLine) + 16);
+  const double parts =
+      1.1 * static_cast<double>(m_text.size()) / static_cast<double>(std::max<std::size_t>(1, sample.size()));
+  const auto room = [&](std::size_t inSample, std::size_t leastBytes) {
+    const auto expected = static_cast<std::size_t>(parts * static_cast<double>(inSample));
+    return std::min(expected, m_text.size() / leastBytes) + 16;
+  };
+  reserveLarge(m_content.lines,
+               room(static_cast<std::size_t>(std::count(sample.begin(), sample.end(), '\n')), kShortLine));
+  std::size_t entries = 0;
+  for (std::size_t at = 0; (at = sample.find("\ndn:", at)) != std::string_view::npos; ++at) ++entries;
+  reserveLarge(m_content.entries, room(entries, 4 * kShortLine));
+  m_content.index.reserve(room(entries, 4 * kShortLine));
+}
+
+// An entry begins behind an empty line or at the head of the text, and goes on to the next empty line or to the end: so
+// the same bytes between two such places are the same entry.
+bool Reader::passKnown(std::size_t& at) {
+  if (m_place != Place::outside || m_commentBlock != kNone) return false;
+  const KnownEntries::Entry& known = m_known->expected();
+  if (known.number == kNoEntry) return false;
+  if (known.cutAt ? *known.cutAt != at : !m_text.substr(at).starts_with(known.text)) return false;
+  const std::size_t end = known.cutAt ? at : at + known.text.size();
+  const std::string_view rest = m_text.substr(end);
+  const bool ends = rest.starts_with('\n') || rest.starts_with("\r\n");
+  if (!rest.empty() && !ends) return false;
+  if (findOrEnter(known.normal) <= m_content.entries.size()) return false;  // a second time, which is to be told
+
+  const auto linesIn = [](std::string_view text) {
+    return static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
+  };
+  const auto dnAt = static_cast<std::size_t>(known.dn.raw - known.text.data());
+  EntrySpan entry;
+  entry.first = entry.dn = entry.end = m_content.lines.size();
+  entry.line = m_lineNumber + linesIn(known.text.substr(0, dnAt));
+  entry.text = known.cutAt ? known.text : m_text.substr(at, known.text.size());
+  Line dn = known.dn;
+  dn.raw = entry.text.data() + dnAt;
+  entry.normal = kept(known.normal, lineValue(dn, m_value), dn);
+  entry.known = known.number;
+  m_content.entries.push_back(entry);
+  m_lineNumber += linesIn(known.text);
+  m_lookedAt = std::max(m_lookedAt, end);
+  m_mayHaveVersion = false;
+  m_known->wasThere();
+  at = end;
+  return true;
 }
 
 // Once there has been a zero byte or a carriage return, lines are searched for more. Looked for in blocks that stay in
@@ -253,18 +304,28 @@ void Reader::readDn(const Line& line) {
     problem(RemarkKind::badDn, "not a distinguished name; expected \"dn: CN=...\" as RFC 4514 writes it");
     startEntry(std::nullopt);
   } else {
-    const auto keyOf = [&](EntryId id) { return m_content.entries[id - 1].normal; };
-    const auto number = static_cast<EntryId>(m_content.entries.size() + 1);
-    const EntryId earlier = m_content.index.findOrInsert(*normal, number, keyOf);
-    if (earlier != number) {
+    const EntryId earlier = findOrEnter(*normal);
+    if (m_known != nullptr) m_known->wasRead(*normal);
+    if (earlier <= m_content.entries.size()) {
       problem(RemarkKind::duplicateEntry, "the entry \"" + shownDn(dn) + "\" a second time; it stands on line " +
                                               std::to_string(m_content.entries[earlier - 1].line) + " already");
       startEntry(std::nullopt);
     } else {
-      startEntry(*normal == dn && line.flags == 0 ? dn : m_arena.keep(*normal));
+      startEntry(kept(*normal, dn, line));
     }
   }
   m_content.lines.push_back(line);
+}
+
+// The number of the entry with this DN: an earlier one, or the one that is to be added next.
+EntryId Reader::findOrEnter(std::string_view normal) {
+  const auto keyOf = [&](EntryId id) { return m_content.entries[id - 1].normal; };
+  return m_content.index.findOrInsert(normal, static_cast<EntryId>(m_content.entries.size() + 1), keyOf);
+}
+
+// A normal form that lasts: mostly the DN is written in it.
+std::string_view Reader::kept(std::string_view normal, std::string_view dn, const Line& line) {
+  return normal == dn && line.flags == 0 ? dn : m_arena.keep(normal);
 }
 
 void Reader::startEntry(std::optional<std::string_view> normal) {
@@ -315,9 +376,9 @@ std::size_t Reader::physicalLineOf(std::string_view line, std::size_t at) const 
 
 }  // namespace
 
-LdifContent readLdif(std::string_view text, TextArena& arena) {
+LdifContent readLdif(std::string_view text, TextArena& arena, KnownEntries* known) {
   std::vector<Problem> problems;
-  LdifContent content = readLdif(text, arena, [&problems](Problem problem) {
+  const auto onProblem = [&problems](Problem problem) {
     if (problems.size() == kMostProblems) {
       problems.push_back(
           {problem.line, "too many problems; the rest of the file was not read", RemarkKind::tooManyProblems});
@@ -325,13 +386,15 @@ LdifContent readLdif(std::string_view text, TextArena& arena) {
     }
     problems.push_back(std::move(problem));
     return true;
-  });
+  };
+  LdifContent content = readLdif(text, arena, onProblem, kMostLines, known);
   content.problems = std::move(problems);
   return content;
 }
 
-LdifContent readLdif(std::string_view text, TextArena& arena, const OnProblem& onProblem, std::size_t mostLines) {
-  return Reader(text, arena, onProblem, mostLines).read();
+LdifContent readLdif(std::string_view text, TextArena& arena, const OnProblem& onProblem, std::size_t mostLines,
+                     KnownEntries* known) {
+  return Reader(text, arena, onProblem, mostLines, known).read();
 }
 
 }  // namespace cfgstore

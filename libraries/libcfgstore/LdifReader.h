@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -29,6 +30,28 @@ struct EntrySpan {
   bool named = true;  // false when the DN is bad or that of an earlier entry; `normal` is then empty, and there may be
                       // no dn line
   bool faulty = false;  // true when a line below its dn line had a problem; such a line is not in the table
+  // Of an entry that was known (KnownEntries): its text, here or where it was cut out, and its number there. None of
+  // its lines are in the table.
+  std::string_view text = {};
+  EntryId known = kNoEntry;
+};
+
+// Entries that were admitted as a part of another text, and are not taken apart again. There is always one that is
+// expected next: the text that is read mostly has its entries in the same order.
+class KnownEntries {
+ public:
+  struct Entry {
+    EntryId number = kNoEntry;  // kNoEntry: nothing more is expected
+    std::string_view text;      // of all of its lines, from the comments above the dn line on; it ends with a line end
+    std::string_view normal;    // its DN in normal form
+    Line dn;                    // in `text`
+    // Where it belongs if it was cut out of the text that is read; else it is there where the text has the same bytes.
+    std::optional<std::size_t> cutAt;
+  };
+  virtual ~KnownEntries() = default;
+  virtual const Entry& expected() const = 0;
+  virtual void wasThere() = 0;                        // the one that was expected: the next one is, from now on
+  virtual void wasRead(std::string_view normal) = 0;  // an entry with this DN was read: what follows it is expected
 };
 
 // What was read. Lines and normal DNs are views into the text and the arena.
@@ -47,12 +70,12 @@ constexpr std::size_t kMostLines = 0xfffffff0;  // entries and lines are numbere
 
 // Reads `text`, which has to outlive the result, as has `arena`. Reading goes on after a problem, so that one run shows
 // what there is to mend, but no further than kMostProblems.
-LdifContent readLdif(std::string_view text, TextArena& arena);
+LdifContent readLdif(std::string_view text, TextArena& arena, KnownEntries* known = nullptr);
 
 // The same, with all problems handed to `onProblem` and none in the result. What the result holds is then good for
 // looking for more to tell, and for nothing else. A text of more than `mostLines` lines is not read any further.
 LdifContent readLdif(std::string_view text, TextArena& arena, const OnProblem& onProblem,
-                     std::size_t mostLines = kMostLines);
+                     std::size_t mostLines = kMostLines, KnownEntries* known = nullptr);
 
 }  // namespace cfgstore
 

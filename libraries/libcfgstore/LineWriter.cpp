@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
+#include <cstring>
 #include <numeric>
 
 #include "Base64.h"
@@ -18,6 +20,14 @@ constexpr std::size_t kMostEmptyLines = 3;
 
 bool isContinuationByte(char c) { return (static_cast<unsigned char>(c) & 0xc0) == 0x80; }
 bool isBeyondAscii(char c) { return static_cast<unsigned char>(c) >= 0x80; }
+// Eight bytes at a time: of a large file, all have to be looked at.
+bool isAnyBeyondAscii(std::string_view text) {
+  for (std::uint64_t eight = 0; text.size() >= sizeof eight; text.remove_prefix(sizeof eight)) {
+    std::memcpy(&eight, text.data(), sizeof eight);
+    if ((eight & 0x8080808080808080U) != 0) return true;
+  }
+  return std::any_of(text.begin(), text.end(), isBeyondAscii);
+}
 bool isControl(char c) { return (static_cast<unsigned char>(c) < ' ' && c != '\t') || c == '\x7f'; }
 
 // Where to fold before `limit`: not in the middle of a UTF-8 character, and never at `from` itself.
@@ -75,7 +85,7 @@ void HabitCounter::countNamed(const Line& line) {
     } else if (afterColon < withoutLineEnd(text).size()) {
       ++m_noBlanksAfterColon;
     }
-    m_rawUtf8 = m_rawUtf8 || std::any_of(text.begin(), text.end(), isBeyondAscii);
+    m_rawUtf8 = m_rawUtf8 || isAnyBeyondAscii(text);
   }
 }
 

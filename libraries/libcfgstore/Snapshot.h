@@ -7,9 +7,12 @@
 #ifndef CFGMIG_LIBCFGSTORE_SNAPSHOT_H
 #define CFGMIG_LIBCFGSTORE_SNAPSHOT_H
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <memory>
+#include <mutex>
 #include <span>
 #include <string_view>
 #include <unordered_map>
@@ -42,13 +45,13 @@ struct SnapshotEntry {
   std::uint32_t firstAttribute = 0;  // its attributes are those from this one on
   std::uint32_t attributes = 0;      // how many; an entry may have none
   std::uint32_t firstNumber = 0;     // of its values: see Snapshot::numberOf
-  std::uint32_t id = 0;              // in the document
+  std::uint32_t id = 0;              // in the document; of no use to others
   bool setAside = false;             // EqualEntries.h: it has attributes, and they are not here unless it is unfolded
 };
 
 // Holds views into the store that it was taken of, which must outlive it. Later edits of that store do not change it.
-// Made in time and memory in proportion to the content; values that stand in the file as they are are not copied. The
-// searches build tables when they are first needed, so that one snapshot must not be searched by two threads at once.
+// Made in time and memory in proportion to the content; values that stand in the file as they are are not copied.
+// Several threads may read and search one snapshot at once, as long as none of them unfolds anything.
 class Snapshot {
  public:
   static constexpr std::uint32_t kNone = 0xffffffff;
@@ -89,7 +92,7 @@ class Snapshot {
   const SnapshotAttribute& attributeOf(const SnapshotValue& value) const { return m_attributes[value.attribute]; }
   const SnapshotEntry& entryOf(const SnapshotAttribute& attribute) const { return m_entries[attribute.entry]; }
 
-  // The number of the entry with this normal DN, or kNone. The first call takes time in proportion to the entries.
+  // The number of the entry with this normal DN, or kNone.
   std::uint32_t findEntry(std::string_view normal) const;
 
   // The number of the attribute of the entry with the number `entry` that has this name, in any letter case, or kNone.
@@ -98,6 +101,25 @@ class Snapshot {
  private:
   class Builder;
   using Numbers = std::vector<std::uint32_t>;
+
+  // Where a search begins; any number will do. What one thread makes of it is no harm to another.
+  class Hint {
+   public:
+    Hint() = default;
+    Hint(Hint&& other) noexcept : m_at(other.get()) {}
+    Hint& operator=(Hint&& other) noexcept { return set(other.get()), *this; }
+    std::uint32_t get() const { return m_at.load(std::memory_order_relaxed); }
+    void set(std::uint32_t at) { m_at.store(at, std::memory_order_relaxed); }
+
+   private:
+    std::atomic<std::uint32_t> m_at{0};
+  };
+
+  // The attributes of entries that have many, sorted by name: made when one is first searched.
+  struct ByName {
+    std::mutex mutex;
+    std::unordered_map<std::uint32_t, Numbers> ofEntry;
+  };
 
   std::uint32_t lookUpEntry(std::string_view normal) const;
   const Numbers& byName(std::uint32_t entry) const;
@@ -117,10 +139,10 @@ class Snapshot {
   };
   mutable Unfolded m_unfolded;
 
-  mutable std::uint32_t m_lastFound = 0;  // by findEntry
-  mutable EntryIndex m_byNormal;          // filled by the first lookUpEntry
-  mutable bool m_hasByNormal = false;
-  mutable std::unordered_map<std::uint32_t, Numbers> m_byName;  // of entries with many attributes: them, sorted by name
+  mutable Hint m_lastFound;  // by findEntry
+  EntryIndex m_byNormal;     // of the document: entries by its own numbers
+  Numbers m_numbers;         // of entries, by those
+  std::unique_ptr<ByName> m_byName = std::make_unique<ByName>();
 };
 
 }  // namespace cfgstore

@@ -14,6 +14,7 @@
 #include "Descriptor.h"
 #include "FileAttributes.h"
 #include "FileError.h"
+#include "LargeMemory.h"
 #include "PipeReader.h"
 
 namespace cfgstore {
@@ -67,9 +68,14 @@ bool FileStamp::isUntouched(const FileStamp& other) const {
   return isUnchanged(other) && isSameTime(changed, other.changed);
 }
 
-SourceText::SourceText(std::string_view text)
-    : m_bytes(std::make_unique_for_overwrite<char[]>(text.size())), m_size(text.size()) {
-  if (!text.empty()) std::memcpy(m_bytes.get(), text.data(), text.size());
+SourceText::SourceText(std::string_view text) : SourceText(std::span(&text, 1)) {}
+
+SourceText::SourceText(std::span<const std::string_view> pieces) {
+  for (const std::string_view piece : pieces) m_size += piece.size();
+  m_bytes = std::make_unique_for_overwrite<char[]>(m_size);
+  askForLargePages(m_bytes.get(), m_size);
+  char* to = m_bytes.get();
+  for (const std::string_view piece : pieces) to = std::copy(piece.begin(), piece.end(), to);
 }
 
 std::optional<SourceText> SourceText::read(const std::string& path, std::string& why) {
@@ -113,6 +119,7 @@ std::optional<SourceText> SourceText::read(const std::string& path, Problem& why
   // One byte more than the file has, so that a file that grows is noticed.
   std::size_t room = isPipe ? std::min(kFirstPipeBlock, mostBytes + 1) : static_cast<std::size_t>(before.st_size) + 1;
   source.m_bytes = std::make_unique_for_overwrite<char[]>(room);
+  askForLargePages(source.m_bytes.get(), room);
   while (true) {
     char* const to = source.m_bytes.get() + source.m_size;
     const std::size_t wanted = room - source.m_size;

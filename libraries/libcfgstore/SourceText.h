@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -41,8 +42,12 @@ class SourceText {
   static std::optional<SourceText> read(const std::string& path, Problem& why);
   static std::optional<SourceText> read(const std::string& path, std::string& why);
 
-  // A text that no file holds.
+  // Nothing yet.
+  SourceText() = default;
+
+  // A text that no file holds, or one in pieces that are laid end to end.
   explicit SourceText(std::string_view text);
+  explicit SourceText(std::span<const std::string_view> pieces);
 
   std::string_view text() const { return {m_bytes.get(), m_size}; }
   const FileStamp& stamp() const { return m_stamp; }
@@ -50,8 +55,6 @@ class SourceText {
   const std::string& resolvedPath() const { return m_resolvedPath; }
 
  private:
-  SourceText() = default;
-
   std::unique_ptr<char[]> m_bytes;
   std::size_t m_size = 0;
   FileStamp m_stamp;
