@@ -15,6 +15,7 @@
 #include "Configuration.h"
 #include "Failure.h"
 #include "HeldSignals.h"
+#include "LeftOpen.h"
 #include "Outputs.h"
 #include "PrintableText.h"
 #include "Saving.h"
@@ -24,7 +25,6 @@
 #include "migration/Migration.h"
 #include "migration/MigrationRequest.h"
 #include "migration/ReportRequest.h"
-#include "migration/SelfCheck.h"
 #include "migration/UndoRecord.h"
 #include "report/Sha256.h"
 
@@ -123,10 +123,8 @@ void tellRecovered(const cfgstore::SaveResult& saved, Console& console) {
   tellAll({"kept: " + ldtr::printable(saved.recoveredPath) + ", which an interrupted run had replaced"}, console);
 }
 
-bool checkResult(const Migration& migration, Console& console) {
-  const auto& schemas = migration.request().schemas;
-  std::vector<std::string> faults =
-      selfCheck(migration.ledger(), migration.newStore(), migration.request().target, schemas ? schemas->target : "");
+bool checkResult(Migration& migration, Console& console) {
+  std::vector<std::string> faults = migration.faultsOfResult();
   if (faults.empty()) return true;
   constexpr std::size_t kMost = 20;
   const std::size_t left = faults.size() > kMost ? faults.size() - kMost : 0;
@@ -195,7 +193,8 @@ ExitStatus preview(Migration& migration, const ReportRequest& reports, Report& r
 
 ExitStatus runApply(const Arguments& arguments, Console& console) {
   const ReportRequest reports = reportRequestOf(arguments);
-  Migration migration(readRequest(arguments, reports));
+  auto migrationKept = std::make_unique<Migration>(readRequest(arguments, reports));
+  Migration& migration = *migrationKept;
   const MigrationRequest& request = migration.request();
   const NamedFile files[] = {{request.oldPath, "the old configuration"},
                              {request.newPath, "the new configuration"},
@@ -214,12 +213,17 @@ ExitStatus runApply(const Arguments& arguments, Console& console) {
     tellApplied(*record, replay.get(), reports, console);
     return missingOutputs(console).empty() ? ExitStatus::done : ExitStatus::failed;
   }
-  if (!arguments.has("--dry-run")) migration.hashInputs();  // the record for undo needs them
+  if (!arguments.has("--dry-run")) {
+    migration.wantFingerprints();  // for the record for undo
+    migration.wantCheck();
+  }
   migration.merge(warnings);
   tellAll(warnings, console);
   Report report = migration.report(reports.showSecrets);
-  return arguments.has("--dry-run") ? preview(migration, reports, report, console)
-                                    : write(migration, reports, report, console);
+  const ExitStatus status = arguments.has("--dry-run") ? preview(migration, reports, report, console)
+                                                       : write(migration, reports, report, console);
+  leaveOpen(std::move(migrationKept), migration.newStore().textAsRead().size());
+  return status;
 }
 
 }  // namespace tool

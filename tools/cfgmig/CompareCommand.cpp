@@ -10,10 +10,10 @@
 #include "Comparison.h"
 #include "Configuration.h"
 #include "Failure.h"
+#include "LeftOpen.h"
 #include "OutputFile.h"
 #include "SettledEntries.h"
 #include "Target.h"
-#include "Threads.h"
 #include "Tracing.h"
 
 namespace tool {
@@ -55,9 +55,9 @@ ExitStatus runCompare(const Arguments& arguments, Console& console) {
   readInventory(*newConfiguration);
 
   const Comparison comparison = compare(*oldConfiguration, *newConfiguration, arguments.has("--show-secrets"));
-  // To close a large one takes a while.
   const std::uint64_t size = storeOf(*newConfiguration).textAsRead().size();
-  const auto closed = cfgstore::doBeside(size, [closing = std::move(newConfiguration)]() mutable { closing.reset(); });
+  leaveOpen(std::move(oldConfiguration), size);
+  leaveOpen(std::move(newConfiguration), size);
   const std::string text = arguments.has("--json") ? jsonOf(comparison) : ldifOf(comparison);
   if (inputs.output.path.empty()) {
     console.out << text;

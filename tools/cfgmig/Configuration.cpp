@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "ConfigStore.h"
+#include "EqualEntries.h"
 #include "Failure.h"
 #include "PrintableText.h"
 #include "SizeLimit.h"
@@ -31,11 +32,11 @@ std::uint64_t sizeOf(const std::string& path) {
   return ::stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) ? static_cast<std::uint64_t>(status.st_size) : 0;
 }
 
-// Makes a Store of the file at `path`.
-template <class Store, class... Arguments>
-std::unique_ptr<Store> open(const std::string& path, std::vector<std::string>& problems, Arguments... arguments) {
+// What `make` makes of the file at `path`.
+template <class Make>
+auto openBy(const Make& make, const std::string& path, std::vector<std::string>& problems) -> decltype(make()) {
   try {
-    return std::make_unique<Store>(path.c_str(), arguments...);
+    return make();
   } catch (const cfgstore::OpenError& error) {
     describe(error, path, problems);
   } catch (const std::bad_alloc&) {
@@ -44,6 +45,12 @@ std::unique_ptr<Store> open(const std::string& path, std::vector<std::string>& p
     problems.push_back(ldtr::printable(path) + ": " + ldtr::printable(error.what()));
   }
   return nullptr;
+}
+
+// Makes a Store of the file at `path`.
+template <class Store, class... Arguments>
+std::unique_ptr<Store> open(const std::string& path, std::vector<std::string>& problems, Arguments... arguments) {
+  return openBy([&] { return std::make_unique<Store>(path.c_str(), arguments...); }, path, problems);
 }
 
 // Reading a large file is worth a thread; what is opened does not share anything.
@@ -94,6 +101,13 @@ std::vector<std::unique_ptr<OVOConfigUtils::CfgUtils>> openAllUtils(std::span<co
 std::unique_ptr<cfgstore::ConfigStore> openStore(const std::string& path) {
   std::vector<std::string> problems;
   auto store = open<cfgstore::ConfigStore>(path, problems);
+  if (!store) throw Failure(ExitStatus::failed, problems);
+  return store;
+}
+
+std::unique_ptr<cfgstore::ConfigStore> openStoreLike(const std::string& path, const cfgstore::ConfigStore& model) {
+  std::vector<std::string> problems;
+  auto store = openBy([&] { return cfgstore::openLike(path, model); }, path, problems);
   if (!store) throw Failure(ExitStatus::failed, problems);
   return store;
 }

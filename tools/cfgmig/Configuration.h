@@ -37,6 +37,9 @@ std::vector<std::unique_ptr<OVOConfigUtils::CfgUtils>> openAllUtils(std::span<co
 // Opens any LDIF content file at `path`, or a pipe, without the library. Throws Failure with the same lines.
 std::unique_ptr<cfgstore::ConfigStore> openStore(const std::string& path);
 
+// The same for a file that holds much of what is set aside in `model` (cfgstore::openLike).
+std::unique_ptr<cfgstore::ConfigStore> openStoreLike(const std::string& path, const cfgstore::ConfigStore& model);
+
 // Fills the inventory of an open configuration and hands out a copy of it. Throws Failure when there is no entry under
 // CN=CONFIGURATION: such a file is not the configuration of a server.
 std::vector<std::string> readInventory(ConfigFile& configuration);

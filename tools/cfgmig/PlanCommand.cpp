@@ -9,6 +9,7 @@
 
 #include "Commands.h"
 #include "Failure.h"
+#include "LeftOpen.h"
 #include "Saving.h"
 #include "Tracing.h"
 #include "migration/AppliedBefore.h"
@@ -34,7 +35,8 @@ ExitStatus runPlan(const Arguments& arguments, Console& console) {
   const ReportRequest reports = reportsOf(arguments);
   MigrationRequest asked = requestOf(arguments, false);
   asked.onlySums = !reports.showsValues();
-  Migration migration(std::move(asked));
+  auto migrationKept = std::make_unique<Migration>(std::move(asked));
+  Migration& migration = *migrationKept;
   const MigrationRequest& request = migration.request();
   const NamedFile files[] = {{request.oldPath, "the old configuration"},
                              {request.newPath, "the new configuration"},
@@ -49,7 +51,7 @@ ExitStatus runPlan(const Arguments& arguments, Console& console) {
     tellApplied(*record, replay.get(), reports, console);
     return ExitStatus::done;
   }
-  if (reports.showsValues()) migration.hashInputs();
+  if (reports.showsValues()) migration.wantFingerprints();
   migration.merge(warnings);
   for (const std::string& warning : warnings) console.err << "cfgmig: " << warning << '\n';
 
@@ -69,6 +71,7 @@ ExitStatus runPlan(const Arguments& arguments, Console& console) {
   saveReports(reports, report);
   tellLosses(report, console);
   showReport(reports, report, console);
+  leaveOpen(std::move(migrationKept), migration.newStore().textAsRead().size());
   if (status != ExitStatus::done) throw Failure(status, obstacles);
   const bool hasChanges = report.outcome.kind != Outcome::Kind::nothingToDo;
   return hasChanges && arguments.has("--exit-code") ? ExitStatus::differs : ExitStatus::done;

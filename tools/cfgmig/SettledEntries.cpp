@@ -66,8 +66,7 @@ void setSettledEntriesAside(cfgstore::ConfigStore& old, cfgstore::ConfigStore& n
   });
 }
 
-void setSettledEntriesAside(cfgstore::ConfigStore& old, cfgstore::ConfigStore& before, cfgstore::ConfigStore& result) {
-  setSettledEntriesAside(old, before);
+void settleWithResult(cfgstore::ConfigStore& old, cfgstore::ConfigStore& before, cfgstore::ConfigStore& result) {
   for (const std::string_view dn : cfgstore::setAsideLike(before, result)) {
     cfgstore::putBack(old, dn);
     cfgstore::putBack(before, dn);

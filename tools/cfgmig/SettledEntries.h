@@ -15,8 +15,9 @@ namespace tool {
 // findings are the same without them: an entry with a setting that they look at stays, whoever's it is.
 void setSettledEntriesAside(cfgstore::ConfigStore& old, cfgstore::ConfigStore& now);
 
-// The same of a migration that is finished: those that `result` holds with the same bytes as `before`, too.
-void setSettledEntriesAside(cfgstore::ConfigStore& old, cfgstore::ConfigStore& before, cfgstore::ConfigStore& result);
+// Of a migration that is finished only those are settled that `result` holds with the same bytes as `before`, too: sets
+// these aside in `result`, and puts the others back in the other two.
+void settleWithResult(cfgstore::ConfigStore& old, cfgstore::ConfigStore& before, cfgstore::ConfigStore& result);
 
 }  // namespace tool
 

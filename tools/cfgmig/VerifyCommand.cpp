@@ -4,7 +4,9 @@
 #include <filesystem>
 #include <memory>
 #include <ostream>
+#include <span>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -13,6 +15,7 @@
 #include "ConfigStore.h"
 #include "Configuration.h"
 #include "Failure.h"
+#include "LeftOpen.h"
 #include "NormalDn.h"
 #include "PrintableText.h"
 #include "SettledEntries.h"
@@ -27,22 +30,40 @@ namespace {
 
 constexpr std::size_t kMostShown = 20;  // of each list; who has more than that wants to see the first ones
 
-// One of the three files.
-struct Input {
-  std::string path;
-  std::unique_ptr<OVOConfigUtils::CfgUtils> utils;
+// The three files. What all three hold alike is set aside, and will only be counted.
+struct Inputs {
+  std::unique_ptr<OVOConfigUtils::CfgUtils> old;
+  std::unique_ptr<OVOConfigUtils::CfgUtils> before;
+  std::unique_ptr<cfgstore::ConfigStore> result;
 
-  cfgstore::ConfigStore& store() const { return cfgstore::ConfigStore::of(*utils); }
+  cfgstore::ConfigStore& oldStore() const { return cfgstore::ConfigStore::of(*old); }
+  cfgstore::ConfigStore& beforeStore() const { return cfgstore::ConfigStore::of(*before); }
 };
 
-void refuseNoConfiguration(const Input& input, const cfgstore::Snapshot& snapshot) {
+// Tells all that is wrong with any of them in one Failure.
+Inputs openInputs(const std::string& oldPath, const std::string& beforePath, const std::string& resultPath) {
+  std::vector<std::string> problems;
+  const std::string paths[] = {oldPath, beforePath};
+  auto opened = openAllUtils(paths, problems);
+  Inputs inputs{std::move(opened[0]), std::move(opened[1]), nullptr};
+  if (!problems.empty()) {
+    openAllUtils(std::span(&resultPath, 1), problems);
+    throw Failure(ExitStatus::failed, problems);
+  }
+  setSettledEntriesAside(inputs.oldStore(), inputs.beforeStore());
+  inputs.result = openStoreLike(resultPath, inputs.beforeStore());
+  settleWithResult(inputs.oldStore(), inputs.beforeStore(), *inputs.result);
+  return inputs;
+}
+
+void refuseNoConfiguration(const std::string& path, const cfgstore::Snapshot& snapshot) {
   constexpr std::string_view kRoot = "CN=CONFIGURATION";
   const auto entries = snapshot.entries();
   const bool isConfiguration = std::any_of(entries.begin(), entries.end(), [&](const cfgstore::SnapshotEntry& entry) {
     return cfgstore::isWithinNormalDn(entry.normal, kRoot);
   });
   if (isConfiguration) return;
-  throw Failure(ExitStatus::failed, ldtr::printable(input.path) + ": there is no entry under CN=CONFIGURATION");
+  throw Failure(ExitStatus::failed, ldtr::printable(path) + ": there is no entry under CN=CONFIGURATION");
 }
 
 // The directory as apply writes it into the configuration, whether or not it is there.
@@ -71,39 +92,31 @@ ExitStatus statusOf(AuditVerdict verdict) {
 
 ExitStatus runVerify(const Arguments& arguments, Console& console) {
   const std::string given = arguments.value("--from");
-  Input old{arguments.value("--old"), nullptr};
-  Input before{arguments.value("--before"), nullptr};
-  Input result{arguments.value("--result"), nullptr};
-  const NamedFile files[] = {{old.path, "the old configuration"},
-                             {before.path, "the new configuration as it was before"},
-                             {result.path, "the result"}};
+  const std::string oldPath = arguments.value("--old");
+  const std::string beforePath = arguments.value("--before");
+  const std::string resultPath = arguments.value("--result");
+  const NamedFile files[] = {{oldPath, "the old configuration"},
+                             {beforePath, "the new configuration as it was before"},
+                             {resultPath, "the result"}};
   refuseSameFile(files[0], files[1]);
   refuseSameFile(files[0], files[2]);
   refuseSameFile(files[1], files[2]);
-  std::vector<std::string> problems;
-  const std::string paths[] = {old.path, before.path, result.path};
-  auto opened = openAllUtils(paths, problems);
-  old.utils = std::move(opened[0]);
-  before.utils = std::move(opened[1]);
-  result.utils = std::move(opened[2]);
-  if (!problems.empty()) throw Failure(ExitStatus::failed, problems);
-
-  // What all three hold alike is only counted.
-  setSettledEntriesAside(old.store(), before.store(), result.store());
-  const cfgstore::Snapshot oldContent(old.store());
-  const cfgstore::Snapshot beforeContent(before.store());
-  const cfgstore::Snapshot resultContent(result.store());
-  refuseNoConfiguration(old, oldContent);
-  refuseNoConfiguration(before, beforeContent);
-  const SourceVersion source = sourceVersionOf(*old.utils, old.path, given);
+  auto inputs = std::make_unique<Inputs>(openInputs(oldPath, beforePath, resultPath));
+  const cfgstore::Snapshot oldContent(inputs->oldStore());
+  const cfgstore::Snapshot beforeContent(inputs->beforeStore());
+  const cfgstore::Snapshot resultContent(*inputs->result);
+  refuseNoConfiguration(oldPath, oldContent);
+  refuseNoConfiguration(beforePath, beforeContent);
+  const SourceVersion source = sourceVersionOf(*inputs->old, oldPath, given);
   for (const std::string& warning : source.warnings) console.err << "cfgmig: " << warning << '\n';
 
   const Audit found = audit(oldContent, beforeContent, resultContent, source.version, schemaTargetOf(arguments));
+  const std::string_view beforeText = inputs->beforeStore().textAsRead();
   const TextDifferences text =
-      compareUntouched(before.store().text(), result.store().text(), beforeContent, resultContent, found);
-  const AuditReport report{old.path,
-                           before.path,
-                           result.path,
+      compareUntouched(beforeText, inputs->result->textAsRead(), beforeContent, resultContent, found);
+  const AuditReport report{oldPath,
+                           beforePath,
+                           resultPath,
                            source.from,
                            oldContent,
                            beforeContent,
@@ -117,6 +130,7 @@ ExitStatus runVerify(const Arguments& arguments, Console& console) {
   } else {
     writeAuditText(report, console.out);
   }
+  leaveOpen(std::move(inputs), beforeText.size());
   return statusOf(found.verdict());
 }
 

@@ -16,6 +16,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <deque>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -128,9 +129,26 @@ struct Audit {
   AuditVerdict verdict() const;
 };
 
-// `version` must be a source version, otherwise std::invalid_argument is thrown. `schemaTarget` is the directory that
-// the migration copied schema files to, as the result names it: absolute and without a slash at its end; empty when it
-// copied none. Time is linear in the values.
+// An audit in two steps: what the result has to be can be worked out before there is one.
+class Auditor {
+ public:
+  // `version` must be a source version, otherwise std::invalid_argument is thrown. Both snapshots must outlive it.
+  Auditor(const cfgstore::Snapshot& old, const cfgstore::Snapshot& before, std::string_view version);
+  ~Auditor();
+  Auditor(Auditor&&) noexcept;
+  Auditor& operator=(Auditor&&) noexcept;
+
+  // Looks at the result, which must outlive the audit. To be called once. `schemaTarget` is the directory that the
+  // migration copied schema files to, as the result names it: absolute and without a slash at its end; empty when it
+  // copied none.
+  Audit audit(const cfgstore::Snapshot& result, std::string_view schemaTarget = {});
+
+ private:
+  struct State;
+  std::unique_ptr<State> m_state;
+};
+
+// Both steps at once. Time is linear in the values.
 Audit audit(const cfgstore::Snapshot& old, const cfgstore::Snapshot& before, const cfgstore::Snapshot& result,
             std::string_view version, std::string_view schemaTarget = {});
 

@@ -1,6 +1,7 @@
 #include "audit/UntouchedText.h"
 
-#include <algorithm>
+#include <deque>
+#include <optional>
 
 namespace tool {
 namespace {
@@ -12,26 +13,43 @@ struct TextLine {
   std::size_t number = 0;
 };
 
-// The lines of a text that are not empty and that `skips` does not name.
-std::vector<TextLine> linesOf(std::string_view text, const std::vector<bool>& skips) {
-  std::vector<TextLine> lines;
-  std::size_t number = 1;
-  for (std::size_t at = 0; at < text.size();) {
-    std::size_t end = at;
+// How far to look for the next line that both texts have.
+constexpr std::size_t kFar = 64;
+
+// The lines of a text that are not empty and that `skips` does not name, one after the other.
+class TextLines {
+ public:
+  TextLines(std::string_view text, const std::vector<bool>& skips) : m_rest(text), m_skips(skips) {}
+
+  // The line so many behind the one at hand, or null behind the end. Valid until the next call of pass.
+  const TextLine* at(std::size_t ahead) {
+    while (m_lines.size() <= ahead && !m_rest.empty()) readOne();
+    return ahead < m_lines.size() ? &m_lines[ahead] : nullptr;
+  }
+
+  void pass() { m_lines.pop_front(); }
+
+ private:
+  void readOne() {
+    std::size_t end = 0;
     std::size_t physical = 0;
     do {
-      const std::size_t newline = text.find('\n', end);
-      end = newline == std::string_view::npos ? text.size() : newline + 1;
+      const std::size_t newline = m_rest.find('\n', end);
+      end = newline == std::string_view::npos ? m_rest.size() : newline + 1;
       ++physical;
-    } while (end < text.size() && text[end] == ' ');
-    const std::string_view line = text.substr(at, end - at);
-    const bool isSkipped = number < skips.size() && skips[number];
-    if (!isSkipped && line != "\n" && line != "\r\n") lines.push_back({line, number});
-    number += physical;
-    at = end;
+    } while (end < m_rest.size() && m_rest[end] == ' ');
+    const std::string_view line = m_rest.substr(0, end);
+    const bool isSkipped = m_number < m_skips.size() && m_skips[m_number];
+    if (!isSkipped && line != "\n" && line != "\r\n") m_lines.push_back({line, m_number});
+    m_number += physical;
+    m_rest.remove_prefix(end);
   }
-  return lines;
-}
+
+  std::string_view m_rest;
+  const std::vector<bool>& m_skips;
+  std::size_t m_number = 1;      // of the first line of the rest
+  std::deque<TextLine> m_lines;  // from the one at hand on, as far as they were looked at
+};
 
 std::string_view withoutEnd(std::string_view line) {
   if (line.ends_with('\n')) line.remove_suffix(1);
@@ -50,23 +68,29 @@ void mark(std::vector<bool>& lines, std::size_t number) {
   lines[number] = true;
 }
 
-// How far to look for the next line that both texts have.
-constexpr std::size_t kFar = 64;
+struct Distance {
+  std::size_t before;
+  std::size_t result;
+};
 
-// The nearest places from `left` and `right` on that hold the same line.
-bool findNext(const std::vector<TextLine>& before, const std::vector<TextLine>& result, std::size_t& left,
-              std::size_t& right) {
+// How far it is to the nearest lines of both that are the same.
+std::optional<Distance> findNext(TextLines& before, TextLines& result) {
   for (std::size_t distance = 1; distance <= kFar; ++distance) {
     for (std::size_t ahead = 0; ahead <= distance; ++ahead) {
-      const std::size_t i = left + ahead;
-      const std::size_t j = right + (distance - ahead);
-      if (i >= before.size() || j >= result.size() || !isSame(before[i], result[j])) continue;
-      left = i;
-      right = j;
-      return true;
+      const TextLine* const left = before.at(ahead);
+      const TextLine* const right = result.at(distance - ahead);
+      if (left != nullptr && right != nullptr && isSame(*left, *right)) return Distance{ahead, distance - ahead};
     }
   }
-  return false;
+  return std::nullopt;
+}
+
+// Up to so many lines, whose numbers go to `numbers`.
+void pass(TextLines& lines, std::size_t count, std::vector<std::size_t>& numbers) {
+  for (; count > 0 && lines.at(0) != nullptr; --count) {
+    numbers.push_back(lines.at(0)->number);
+    lines.pass();
+  }
 }
 
 }  // namespace
@@ -84,25 +108,18 @@ TextDifferences compareUntouched(std::string_view beforeText, std::string_view r
     if (before.findEntry(entry.normal) == Snapshot::kNone) mark(brought, entry.line);
   }
 
-  const std::vector<TextLine> left = linesOf(beforeText, replaced);
-  const std::vector<TextLine> right = linesOf(resultText, brought);
+  TextLines left(beforeText, replaced);
+  TextLines right(resultText, brought);
   TextDifferences differences;
-  std::size_t i = 0;
-  std::size_t j = 0;
-  while (i < left.size() || j < right.size()) {
-    if (i < left.size() && j < right.size() && isSame(left[i], right[j])) {
-      ++i;
-      ++j;
+  while (left.at(0) != nullptr || right.at(0) != nullptr) {
+    if (left.at(0) != nullptr && right.at(0) != nullptr && isSame(*left.at(0), *right.at(0))) {
+      left.pass();
+      right.pass();
       continue;
     }
-    std::size_t nextLeft = i;
-    std::size_t nextRight = j;
-    if (!findNext(left, right, nextLeft, nextRight)) {
-      nextLeft = std::min(i + kFar, left.size());
-      nextRight = std::min(j + kFar, right.size());
-    }
-    for (; i < nextLeft; ++i) differences.missing.push_back(left[i].number);
-    for (; j < nextRight; ++j) differences.added.push_back(right[j].number);
+    const Distance next = findNext(left, right).value_or(Distance{kFar, kFar});
+    pass(left, next.before, differences.missing);
+    pass(right, next.result, differences.added);
   }
   return differences;
 }

@@ -28,17 +28,17 @@ std::vector<std::string> inventoryOf(ConfigFile& configuration) {
 struct LedgerBuilder::State {
   State(ConfigFile& oldConfiguration, ConfigFile& newConfiguration, std::string sourceVersion)
       : old(oldConfiguration), now(newConfiguration) {
-    ledger.sourceVersion = std::move(sourceVersion);
+    ledger->sourceVersion = std::move(sourceVersion);
     auto before =
         cfgstore::doBeside(storeOf(now).textAsRead().size(), [this] { return cfgstore::Snapshot(storeOf(now)); });
-    ledger.old = cfgstore::Snapshot(storeOf(old));
-    ledger.before = before.get();
-    account.emplace(inventoryOf(old), inventoryOf(now), &ledger.old);
+    ledger->old = cfgstore::Snapshot(storeOf(old));
+    ledger->before = before.get();
+    account.emplace(inventoryOf(old), inventoryOf(now), &ledger->old);
   }
 
   ConfigFile& old;
   ConfigFile& now;
-  Ledger ledger;
+  std::shared_ptr<Ledger> ledger = std::make_shared<Ledger>();
   std::optional<MergeAccount> account;
   std::optional<MergeRecorder> recorder;
   Account finished;
@@ -52,7 +52,7 @@ LedgerBuilder::~LedgerBuilder() = default;
 void LedgerBuilder::merge() {
   State& state = *m_state;
   state.recorder.emplace(*state.account, state.old, state.now);
-  const int result = state.now.mergeConfigFiles(&state.old, state.ledger.sourceVersion.c_str());
+  const int result = state.now.mergeConfigFiles(&state.old, state.ledger->sourceVersion.c_str());
   state.recorder->endRecords();
   state.recorder->check();
   if (result == 0) throw Failure(ExitStatus::failed, "the merge could not begin; nothing was written");
@@ -61,7 +61,9 @@ void LedgerBuilder::merge() {
 
 void LedgerBuilder::cleanUpBy(unsigned long method) { m_state->account->setMethodOutside(method); }
 
-Ledger LedgerBuilder::finish() {
+std::shared_ptr<const Ledger> LedgerBuilder::begun() const { return m_state->ledger; }
+
+std::shared_ptr<Ledger> LedgerBuilder::finish() {
   State& state = *m_state;
   state.recorder->check();
   state.recorder.reset();
@@ -70,17 +72,18 @@ Ledger LedgerBuilder::finish() {
       throw std::logic_error("the merge has written to an entry that was set aside");
     }
   }
-  state.ledger.result = cfgstore::Snapshot(storeOf(state.now));
-  state.ledger.messages = state.finished.messages;
-  Accounting(state.ledger, state.account->events(), state.account->works()).run();
-  state.account->events().moveTo(state.ledger);
+  Ledger& ledger = *state.ledger;
+  ledger.result = cfgstore::Snapshot(storeOf(state.now));
+  ledger.messages = state.finished.messages;
+  Accounting(ledger, state.account->events(), state.account->works()).run();
+  state.account->events().moveTo(ledger);
   return std::move(state.ledger);
 }
 
 Ledger migrate(ConfigFile& old, ConfigFile& now, const std::string& version) {
   LedgerBuilder builder(old, now, version);
   builder.merge();
-  return builder.finish();
+  return std::move(*builder.finish());
 }
 
 }  // namespace tool

@@ -32,9 +32,13 @@ class LedgerBuilder {
   // records need not be heard.
   void cleanUpBy(unsigned long method);
 
+  // The ledger that is going to be finished. Its version and its snapshots of the two configurations are there from
+  // the beginning and stay as they are, so that another thread may look at them.
+  std::shared_ptr<const Ledger> begun() const;
+
   // The ledger of all that was written. To be called once.
   // Throws std::logic_error when a write could not be noted. Whether the sums hold is for sumErrors to say.
-  Ledger finish();
+  std::shared_ptr<Ledger> finish();
 
  private:
   struct State;

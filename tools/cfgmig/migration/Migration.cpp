@@ -67,8 +67,6 @@ std::shared_future<Migration::Inputs> Migration::inputsHashed(bool isAtOnce) con
   return cfgstore::doBeside(isAtOnce ? size : 0, make).share();
 }
 
-void Migration::hashInputs() { m_inputs = inputsHashed(true); }
-
 std::vector<std::string> Migration::staleInputs() const {
   std::vector<std::string> lines;
   if (!m_request.plan) return lines;
@@ -96,6 +94,8 @@ void Migration::merge(std::vector<std::string>& warnings) {
   readInventory(*m_new);
 
   LedgerBuilder builder(*m_old, *m_new, source.version);
+  if (m_wantsFingerprints) m_inputs = inputsHashed(true);
+  if (m_wantsCheck) m_check.emplace(builder.begun(), newStore(), m_request.schemas ? m_request.schemas->target : "");
   builder.merge();
   if (m_request.schemas) {
     builder.cleanUpBy(traced::kCheckSchemaFiles);
@@ -106,14 +106,23 @@ void Migration::merge(std::vector<std::string>& warnings) {
                                       {m_request.planPath, "the plan"}};
     m_schemas->refuseToReplace(notToReplace);
   }
-  m_ledger.emplace(builder.finish());
+  if (m_check) m_check->begin();
+  m_ledger = builder.finish();
+  auto findings = cfgstore::doBeside(newStore().textAsRead().size(), [this] {
+    return findAll(*m_ledger, {[this](const std::string& path) { return fileWillExist(path); }});
+  });
   refuseUnlessItAddsUp(*m_ledger);
-  if (!m_request.onlySums) return;
-  // Only a report tells of writes; the check of the result asks for those that were refused.
-  std::erase_if(m_ledger->events, [](const LedgerEvent& event) { return event.rc == 0; });
-  m_ledger->events.shrink_to_fit();
-  if (m_ledger->events.empty()) m_ledger->memory.reset();
+  m_findings = findings.get();
+  if (m_request.onlySums) {
+    // Only a report tells of writes; the check of the result asks for those that were refused.
+    std::erase_if(m_ledger->events, [](const LedgerEvent& event) { return event.rc == 0; });
+    m_ledger->events.shrink_to_fit();
+    if (m_ledger->events.empty()) m_ledger->memory.reset();
+  }
+  if (m_check) m_check->compare();
 }
+
+std::vector<std::string> Migration::faultsOfResult() { return m_check->faultsOf(m_request.target); }
 
 bool Migration::fileWillExist(const std::string& path) const {
   if (m_schemas) {
@@ -128,7 +137,7 @@ bool Migration::fileWillExist(const std::string& path) const {
 
 Report Migration::report(bool showSecrets) const {
   Report report(*m_ledger, showSecrets);
-  report.findings = findAll(*m_ledger, {[this](const std::string& path) { return fileWillExist(path); }});
+  report.findings = m_findings;
   report.toolVersion = CFGMIG_VERSION;
   report.time = timeNow();
   report.recognisedFrom = m_recognisedFrom;

@@ -15,6 +15,7 @@
 #include "SchemaCopies.h"
 #include "ledger/Ledger.h"
 #include "migration/MigrationRequest.h"
+#include "migration/SelfCheck.h"
 #include "report/Report.h"
 
 namespace tool {
@@ -27,14 +28,21 @@ class Migration {
 
   const MigrationRequest& request() const { return m_request; }
 
-  // What was read, with its fingerprint. The fingerprints are made when they are first asked for; hashInputs begins
-  // with large ones at once, beside whatever else is done.
-  void hashInputs();
+  // What was read, with its fingerprint. The fingerprints are made when they are first asked for, or beside the merge
+  // if it is known by then that they will be.
+  void wantFingerprints() { m_wantsFingerprints = true; }
   const InputFile& oldInput() const { return m_inputs.get()[0]; }
   const InputFile& newInput() const { return m_inputs.get()[1]; }
 
   // A line for each input that is not what the plan was made from; empty without a plan.
   std::vector<std::string> staleInputs() const;
+
+  // The result is going to be written and checked: to be called before merge. Much of the check is then done beside
+  // other work.
+  void wantCheck() { m_wantsCheck = true; }
+
+  // What is wrong with the result that was written, as selfCheck tells it. Valid after merge; to be called once.
+  std::vector<std::string> faultsOfResult();
 
   // Merges in memory. Lines that warn go to `warnings`. The schema files that the request names directories for are
   // staged. Throws Failure, also when the account of the values does not add up.
@@ -61,11 +69,15 @@ class Migration {
   std::shared_future<Inputs> inputsHashed(bool isAtOnce) const;
   Inputs inputsUnhashed() const;
 
+  bool m_wantsFingerprints = false;
+  bool m_wantsCheck = false;
   std::shared_future<Inputs> m_inputs;
   std::string m_sourceVersion;
   std::string m_recognisedFrom;
   std::optional<SchemaCopies> m_schemas;
-  std::optional<Ledger> m_ledger;
+  std::shared_ptr<Ledger> m_ledger;
+  std::vector<Finding> m_findings;
+  std::optional<EarlySelfCheck> m_check;  // behind all that it looks at
 };
 
 // What became of the schema files, as a report shows it.

@@ -44,7 +44,7 @@ struct Both {
     tool::LedgerBuilder builder(*old, *now, version);
     builder.merge();
     if (!schemaFiles.empty()) copySchemaFiles(builder, schemaFiles);
-    ledger = builder.finish();
+    ledger = std::move(*builder.finish());
     audit = tool::audit(ledger.old, ledger.before, ledger.result, version,
                         schemaFiles.empty() ? std::string() : workspace.path("target"));
   }

@@ -5,6 +5,8 @@
 #include <gmock/gmock.h>
 #include <rapidcheck/gtest.h>
 
+#include <memory>
+#include <optional>
 #include <sstream>
 
 #include "Audited.h"
@@ -141,6 +143,72 @@ TEST(SettledEntries, AreLookedForInTheResultToTheByte) {
       merge.workspace.write("changed.ldif", text.replace(text.find("zor-note: x"), 11, "zor-note:  x"));
   EXPECT_THAT(tool::selfCheck(merge.ledger, storeOf(merge.now), changed, ""),
               testing::ElementsAre(HasSubstr("CN=A,CN=CONFIGURATION: there is something else than before")));
+}
+
+// What apply does, up to the check of what it has written.
+struct Applied {
+  Applied(const std::string& oldText, const std::string& newText)
+      : old(workspace.write("old.ldif", oldText), nullptr), now(workspace.write("new.ldif", newText), nullptr) {
+    tool::setSettledEntriesAside(storeOf(old), storeOf(now));
+    if (old.getDns() != 0 || now.getDns() != 0) throw std::runtime_error("getDns failed");
+    tool::LedgerBuilder builder(old, now, "6.0");
+    check.emplace(builder.begun(), storeOf(now), "");
+    builder.merge();
+    check->begin();
+    ledger = builder.finish();
+  }
+
+  std::vector<std::string> faultsOf(const std::string& text) {
+    check->compare();
+    return check->faultsOf(workspace.write("result.ldif", text));
+  }
+  std::string result() { return storeOf(now).text(); }
+
+  Workspace workspace;
+  ConfigFile old;
+  ConfigFile now;
+  std::shared_ptr<tool::Ledger> ledger;
+  std::optional<tool::EarlySelfCheck> check;
+};
+
+constexpr const char* kSettled = "dn: cn=A, cn=Configuration\nobjectClass: top\ncn: A\nzor-note: x\n";
+constexpr const char* kBrought = "\ndn: cn=B, cn=Configuration\nobjectClass: top\ncn: B\nzor-note: y\n";
+
+TEST(EarlySelfCheck, FindsNothingWrongWithWhatItIsToldOf) {
+  Applied applied(std::string(kRoot) + kSettled + kBrought, std::string(kRoot) + kSettled);
+  ASSERT_EQ(applied.ledger->old.valuesSetAside(), 3U);
+  EXPECT_THAT(applied.faultsOf(applied.result()), IsEmpty());
+}
+
+TEST(EarlySelfCheck, ReadsAFileThatHoldsSomethingElse) {
+  for (const char* lost : {"zor-note: x\n", "zor-note: y\n", "objectClass: TOP\n"}) {
+    Applied applied(std::string(kRoot) + kSettled + kBrought, std::string(kRoot) + kSettled);
+    std::string text = applied.result();
+    text.erase(text.find(lost), std::string(lost).size());
+    EXPECT_THAT(applied.faultsOf(text), Not(IsEmpty())) << lost;
+  }
+}
+
+TEST(EarlySelfCheck, ComparesWithTheLedger) {
+  Applied applied(std::string(kRoot) + kSettled + kBrought, std::string(kRoot) + kSettled);
+  for (tool::OldValueRow& row : applied.ledger->oldValues) row.fate = tool::ValueFate::lost;
+  EXPECT_THAT(applied.faultsOf(applied.result()), Not(IsEmpty()));
+}
+
+TEST(EarlySelfCheck, AuditsWhatWasMerged) {
+  Applied applied(std::string(kRoot) + kSettled + kBrought, std::string(kRoot) + kSettled);
+  ASSERT_EQ(applied.now.getCfgUtils()->addValue("cn=B,cn=Configuration", "zor-note", "from nowhere"), 0);
+  applied.check->begin();
+  EXPECT_THAT(applied.faultsOf(applied.result()), Not(IsEmpty()));
+}
+
+TEST(EarlySelfCheck, NeedsNoLineEndAtTheEndOfTheFile) {
+  std::string settled = std::string(kRoot) + kSettled;
+  settled.pop_back();
+  Applied applied(std::string(kRoot) + "dn: cn=B, cn=Configuration\nobjectClass: top\ncn: B\n\n" + kSettled, settled);
+  const std::string result = applied.result();
+  ASSERT_THAT(result, HasSubstr("zor-note: x\n\ndn: CN=B"));
+  EXPECT_THAT(applied.faultsOf(result), IsEmpty());
 }
 
 TEST(SettledEntries, AreSetAsideWithAllTheirValues) {

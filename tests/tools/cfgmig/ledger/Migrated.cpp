@@ -45,7 +45,7 @@ Migrated::Migrated(const std::string& version, const std::string& oldPath, const
   tool::LedgerBuilder builder(*m_old, *m_now, version);
   builder.merge();
   if (afterwards) afterwards(*m_now, builder);
-  m_ledger = builder.finish();
+  m_ledger = std::move(*builder.finish());
   storeOf(*m_old).refuseWith({});
   storeOf(*m_now).refuseWith({});
 }
