@@ -1,13 +1,12 @@
 #include "DnPair.h"
 
-#include <ldap.h>
-
 #include <new>
 
 #include "DnBerString.h"
 #include "DnSpelling.h"
 #include "DnType.h"
 #include "DnValue.h"
+#include "LdapLibrary.h"
 
 namespace cfgstore {
 namespace {
@@ -19,12 +18,12 @@ namespace {
 class ParsedPair {
  public:
   explicit ParsedPair(const std::string& text) {
-    const int rc = ldap_str2dn(text.c_str(), &m_dn, LDAP_DN_FORMAT_LDAPV3);
+    const int rc = m_ldap.str2dn(text.c_str(), &m_dn, LDAP_DN_FORMAT_LDAPV3);
     if (rc == LDAP_NO_MEMORY) throw std::bad_alloc();
     if (rc != LDAP_SUCCESS) m_dn = nullptr;
   }
   ~ParsedPair() {
-    if (m_dn != nullptr) ldap_dnfree(m_dn);
+    if (m_dn != nullptr) m_ldap.dnfree(m_dn);
   }
   ParsedPair(const ParsedPair&) = delete;
   ParsedPair& operator=(const ParsedPair&) = delete;
@@ -37,6 +36,7 @@ class ParsedPair {
   }
 
  private:
+  const LdapLibrary& m_ldap = LdapLibrary::get();
   LDAPDN m_dn = nullptr;
 };
 

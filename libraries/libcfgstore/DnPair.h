@@ -9,7 +9,7 @@
 namespace cfgstore {
 
 // Appends the normal form of the pair `text`, as "CN=FRONT END". False when it is no attribute-value pair; `out` is
-// then as it was. Throws std::bad_alloc.
+// then as it was. Throws std::bad_alloc, and std::runtime_error when libldap is not there.
 bool appendNormalPair(std::string_view text, std::string& out);
 
 }  // namespace cfgstore

@@ -1,6 +1,10 @@
 #include "DnPlain.h"
 
+#include <algorithm>
 #include <array>
+
+#include "DnUnicode.h"
+#include "DnValue.h"
 
 namespace cfgstore {
 namespace {
@@ -35,6 +39,13 @@ constexpr CharacterMap kValueCharacters = makeValueCharacters();
 char mapped(const CharacterMap& map, char c) { return map[static_cast<unsigned char>(c)]; }
 
 bool isAsciiLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
+
+bool isBeyondAscii(char c) { return static_cast<unsigned char>(c) >= 0x80; }
+
+std::string_view withoutBlanks(std::string_view text) {
+  text.remove_prefix(std::min(text.find_first_not_of(' '), text.size()));
+  return text.substr(0, text.find_last_not_of(' ') + 1);
+}
 
 const char* skipBlanks(const char* at, const char* end) {
   while (at != end && *at == ' ') ++at;
@@ -72,6 +83,21 @@ std::optional<PlainRdn> readPlainRdn(std::string_view text, std::span<char> out)
     *to++ = ' ';
   }
   return PlainRdn{static_cast<std::size_t>(at - text.data()), static_cast<std::size_t>(to - out.data())};
+}
+
+bool appendPlainPair(std::string_view text, std::string& out) {
+  const std::size_t equals = text.find('=');
+  if (equals == std::string_view::npos) return false;
+  const std::string_view type = withoutBlanks(text.substr(0, equals));
+  const std::string_view value = withoutBlanks(text.substr(equals + 1));
+  const auto isPlain = [](char c) { return c == ' ' || isBeyondAscii(c) || mapped(kValueCharacters, c) != 0; };
+  if (type.empty() || !isAsciiLetter(type.front()) || value.empty() || value.front() == '#') return false;
+  if (!std::all_of(type.begin(), type.end(), [](char c) { return mapped(kTypeCharacters, c) != 0; })) return false;
+  if (!std::all_of(value.begin(), value.end(), isPlain) || !codePointsOf(value)) return false;
+  for (const char c : type) out += mapped(kTypeCharacters, c);
+  out += '=';
+  appendNormalValue(value, out);
+  return true;
 }
 
 }  // namespace cfgstore

@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <optional>
 #include <span>
+#include <string>
 #include <string_view>
 
 namespace cfgstore {
@@ -20,6 +21,10 @@ struct PlainRdn {
 // Reads the first RDN of `text` and writes its normal form to `out`. Nothing when the RDN is not plain, is no RDN at
 // all, or does not fit; `out` then holds something undefined.
 std::optional<PlainRdn> readPlainRdn(std::string_view text, std::span<char> out);
+
+// Appends the normal form of one attribute-value pair that is plain but for characters beyond ASCII in its value: names
+// of people and places, mostly. False when it is not; `out` is then as it was.
+bool appendPlainPair(std::string_view text, std::string& out);
 
 }  // namespace cfgstore
 

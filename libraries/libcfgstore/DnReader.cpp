@@ -36,7 +36,8 @@ bool DnReader::parsePairs() {
   for (bool inRdn = true; inRdn;) {
     const std::size_t length = pairLength(m_rest);
     m_parsed.clear();
-    if (!appendNormalPair(m_rest.substr(0, length), m_parsed)) return false;
+    const std::string_view pair = m_rest.substr(0, length);
+    if (!appendPlainPair(pair, m_parsed) && !appendNormalPair(pair, m_parsed)) return false;
     m_more = length < m_rest.size();
     inRdn = m_more && m_rest[length] == '+';
     m_rest.remove_prefix(length + (m_more ? 1 : 0));

@@ -96,6 +96,34 @@ RC_GTEST_PROP(DnAgreement, ThePlainWayLeavesWhatItDoesNotKnow, ()) {
   if (plain) RC_ASSERT(generalRdn(text) == plain);
 }
 
+std::optional<std::string> plainPair(std::string_view text) {
+  std::string out = "before";
+  if (appendPlainPair(text, out)) return out.substr(6);
+  RC_ASSERT(out == "before");
+  return std::nullopt;
+}
+
+// Letters with and without marks, a mark that stands alone, what folds to two letters, a blank beyond ASCII, and bytes
+// that are not UTF-8.
+const std::vector<std::string> kBeyondAscii{"\u00fc", "\u00dc", "u\u0308", "\u0308", "\u00df", "\ufb01",
+                                            "\u00a0", "\u200b", "\u0130",  "\xff",   "\xc3"};
+
+RC_GTEST_PROP(DnAgreement, ThePlainWayBeyondAsciiGivesWhatTheGeneralWayGives, ()) {
+  std::vector<std::string> pieces{" ", "a", "B", "=", "#", "\\", "\"", "<", "\t", "-", "_", "1"};
+  pieces.insert(pieces.end(), kBeyondAscii.begin(), kBeyondAscii.end());
+  const std::string text =
+      *textOfPieces({" ", "c", "_", "1"}) + *rc::gen::element("=", " = ", "=#", "") + *textOfPieces(pieces);
+  const auto plain = plainPair(text);
+  RC_CLASSIFY(plain.has_value(), "plain");
+  if (plain) RC_ASSERT(generalRdn(text) == plain);
+}
+
+RC_GTEST_PROP(DnAgreement, ThePlainWayBeyondAsciiTakesEveryNameInUtf8, ()) {
+  const std::string text = "cn=" + *textOfPieces({"\u00fc", "u\u0308", "\u00df", " ", "a", "B", "=", "'"}) + "\u00e9";
+  RC_ASSERT(plainPair(text).has_value());
+  RC_ASSERT(generalRdn(text) == plainPair(text));
+}
+
 RC_GTEST_PROP(DnAgreement, ThePlainWayFailsWhenThereIsNoRoom, ()) {
   const std::string text = " c =" + *textOf("ab  ") + "z";
   const auto whole = plainRdn(text);
