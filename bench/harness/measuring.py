@@ -61,8 +61,8 @@ def prepare(step, files):
 def run_warm(runner, step, files, last):
     """One run, right behind one that is not measured. Memory that was freed some seconds ago may have gone back from a
     virtual machine to its host, and to get it again can take as long as a short program works. `last` is the run before,
-    if there was one: what takes long is not run twice."""
-    if last is None or last.wall < SHORT:
+    if there was one: what takes long is not run twice, nor is what changes the files that another program has left."""
+    if (last is None or last.wall < SHORT) and not (step.after and step.writes):
         prepare(step, files)
         first = runner.run(step.arguments)
         if first.wall >= SHORT:
