@@ -107,7 +107,10 @@ class Snapshot {
    public:
     Hint() = default;
     Hint(Hint&& other) noexcept : m_at(other.get()) {}
-    Hint& operator=(Hint&& other) noexcept { return set(other.get()), *this; }
+    Hint& operator=(Hint&& other) noexcept {
+      set(other.get());
+      return *this;
+    }
     std::uint32_t get() const { return m_at.load(std::memory_order_relaxed); }
     void set(std::uint32_t at) { m_at.store(at, std::memory_order_relaxed); }
 

@@ -38,16 +38,16 @@ void* allocate(std::size_t size) {
 
 }  // namespace
 
-void* operator new(std::size_t size) { return allocate(size); }
-void* operator new[](std::size_t size) { return allocate(size); }
+__attribute__((noinline)) void* operator new(std::size_t size) { return allocate(size); }
+__attribute__((noinline)) void* operator new[](std::size_t size) { return allocate(size); }
 // What a stable sort asks for its buffer, and does without.
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+__attribute__((noinline)) void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
   return allocationsLeft == 0 ? nullptr : std::malloc(size == 0 ? 1 : size);
 }
-void operator delete(void* block) noexcept { std::free(block); }
-void operator delete[](void* block) noexcept { std::free(block); }
-void operator delete(void* block, std::size_t) noexcept { std::free(block); }
-void operator delete[](void* block, std::size_t) noexcept { std::free(block); }
+__attribute__((noinline)) void operator delete(void* block) noexcept { std::free(block); }
+__attribute__((noinline)) void operator delete[](void* block) noexcept { std::free(block); }
+__attribute__((noinline)) void operator delete(void* block, std::size_t) noexcept { std::free(block); }
+__attribute__((noinline)) void operator delete[](void* block, std::size_t) noexcept { std::free(block); }
 
 namespace {
 

@@ -70,7 +70,7 @@ TEST(CleanUpLedger, AccountsForAnEntryThatTheMergeAddedAndThatIsRemoved) {
       "dn: CN=CHANGE LOG,CN=RDBM BACKENDS,CN=ZOR DIRECTORY,CN=SCHEMAS,CN=CONFIGURATION\n"
       "objectClass: top\ncn: Change Log\nzor-x: old\n";
   const Migrated merged("5.2", kMain + changeLog, kMain, {}, [](ConfigFile& now, tool::LedgerBuilder& builder) {
-    builder.cleanUpBy(tool::traced::kRemoveClInfo);
+    builder.cleanUpBy(tool::traced::kEditClInfo);
     now.removeCLInfo();
   });
   for (const std::size_t line : {6U, 7U, 8U}) {

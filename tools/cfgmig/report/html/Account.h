@@ -43,7 +43,7 @@ struct Row {
 struct Node {
   std::string_view dn;      // as it is written in the first of the three that has it
   std::string_view normal;  // in normal form
-  std::array<std::uint32_t, kContents> entries;
+  std::array<std::uint32_t, kContents> entries{};
   std::uint32_t parent = cfgstore::Snapshot::kNone;  // the number of the nearest DN above it
   std::vector<std::uint32_t> children;               // in the order of the configurations
   Words words = 0;                                   // of its rows

@@ -87,7 +87,7 @@ ValueId EntryRows::standsInstead(ValueId value, const Attributes& attributes) co
 }
 
 void EntryRows::addResult(ValueId value, const Attributes& attributes) {
-  if (m_resultSeen.count(value) != 0) return;
+  if (m_resultSeen.contains(value)) return;
   Row row;
   placeResult(row, value, attributes);
   const ResultValueRow& origin = m_ledger.resultValues[value];
@@ -97,7 +97,7 @@ void EntryRows::addResult(ValueId value, const Attributes& attributes) {
 
 // What no row above has taken in: it was replaced, by a value elsewhere or by none.
 void EntryRows::addBefore(ValueId value) {
-  if (m_beforeSeen.count(value) != 0) return;
+  if (m_beforeSeen.contains(value)) return;
   Row row;
   placeBefore(row, value);
   m_rows.push_back(row);
@@ -115,7 +115,7 @@ void EntryRows::placeResult(Row& row, ValueId value, const Attributes& attribute
   }
   for (std::uint32_t i = m_replaced.by[value]; i != kNone; i = m_replaced.next[i]) {
     const ValueId before = m_ledger.replaced[i].before;
-    if (!isIn(Content::before, before, attributes) || m_beforeSeen.count(before) != 0) continue;
+    if (!isIn(Content::before, before, attributes) || m_beforeSeen.contains(before)) continue;
     placeBefore(row, before);
     return;
   }
