@@ -1,7 +1,7 @@
 // LdapLibrary.h -- libldap, loaded when it is first needed.
 //
-// It brings a dozen other libraries along, for connections that the store never makes, and loading them takes as long as
-// all else that a small migration does. Most configurations have no DN that needs it.
+// It brings a dozen other libraries along, for connections that the store never makes, and loading them takes as long
+// as all else that a small migration does. Most configurations have no DN that needs it.
 
 #ifndef CFGMIG_LIBCFGSTORE_LDAPLIBRARY_H
 #define CFGMIG_LIBCFGSTORE_LDAPLIBRARY_H
