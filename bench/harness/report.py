@@ -33,7 +33,7 @@ def size_table(measured):
     yield from table(["program", "runs", "ms, median", "from, to", "ms of CPU", "times limit: read",
                       "times limit: read and write", "peak MiB", "times both files"], rows)
     if measured.left_out:
-        yield f"Left out, being slow: {', '.join(measured.left_out)}."
+        yield f"Left out: {', '.join(measured.left_out)}."
         yield ""
     for failure in measured.failures:
         yield f"Failed: `{failure.splitlines()[0]}`"
