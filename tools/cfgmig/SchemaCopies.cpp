@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <memory>
 #include <new>
 #include <ostream>
 #include <utility>
@@ -28,16 +29,14 @@ constexpr const char* kLegacySchemaEntry = "cn=ZOR Halvorn, CN=SCHEMAS,CN=CONFIG
 constexpr const char* kIncludeSchema = "zor-slapdIncludeSchema";
 constexpr int kNoMemory = 90;
 
-// Takes a list that the library hands out, null for none.
-std::vector<std::string> takeNames(char** list) {
-  std::vector<std::string> names;
-  for (char** name = list; name != nullptr && *name != nullptr; ++name) {
-    names.emplace_back(*name);
-    std::free(*name);
+// Frees a list that the library hands out, null for none.
+struct FreeNames {
+  void operator()(char** list) const {
+    for (char** name = list; *name != nullptr; ++name) std::free(*name);
+    std::free(list);
   }
-  std::free(list);
-  return names;
-}
+};
+using Names = std::unique_ptr<char*, FreeNames>;
 
 std::string shown(const std::string& name) {
   return name.empty() ? "(a value without a file name)" : ldtr::printable(name);
@@ -129,8 +128,9 @@ SchemaCopies::SchemaCopies(ConfigFile& configuration, SchemaDirectories director
   char** copied = nullptr;
   const int result =
       configuration.checkSchemaFiles(search.data(), m_directories.target.c_str(), text.data(), &missing, &copied);
-  takeNames(copied);  // the staging knows more of them
-  m_missing = takeNames(missing);
+  const Names ownedCopied(copied);  // the staging knows more of them
+  const Names ownedMissing(missing);
+  for (char** name = missing; name != nullptr && *name != nullptr; ++name) m_missing.emplace_back(*name);
   if (result == kNoMemory) throw std::bad_alloc();
   const auto failures = listener.of(traced::kCheckSchemaFiles, MessageListener::Kind::failure);
   if (!failures.empty()) throw Failure(ExitStatus::failed, failures);

@@ -126,7 +126,7 @@ TEST(OpenLike, TellsWhatIsWrongWithTheFile) {
   expectSameProblems("dn: CN=C\na: 3\n\ndn: CN=A\na: 1\n\ndn: cn = c\na: 3\n");
   expectSameProblems("# of A\ndn: CN=A\na: 1\n\ndn: cn=b, CN=A\na: 1\nb:: IA==\n\n# of A\ndn: CN=A\na: 1\n");
   expectSameProblems("# of A\ndn: CN=A\na: 1\n\nb: 2\n\ndn: CN=C\na: 3\n\ndn: x\n");
-  expectSameProblems(std::string("# of A\ndn: CN=A\na: 1\n\ndn: CN=D\na: x\0\n", 42));
+  expectSameProblems(std::string("# of A\ndn: CN=A\na: 1\n\ndn: CN=D\na: x") + '\0' + "\n");
   expectSameProblems("# of A\ndn: CN=A\na: 1\n\nversion: 1\n\ndn: CN=D\na: \rx\n");
 }
 
