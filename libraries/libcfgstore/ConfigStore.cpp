@@ -1,7 +1,6 @@
 #include "ConfigStore.h"
 
 #include <ctime>
-#include <span>
 #include <utility>
 
 #include "AtomicFile.h"

@@ -19,7 +19,6 @@
 #include "ConfigStore.h"
 #include "EntryIndex.h"
 #include "EntryLines.h"
-#include "LdifReader.h"
 #include "Line.h"
 #include "LineWriter.h"
 #include "ResultCode.h"
@@ -28,11 +27,13 @@
 
 namespace cfgstore {
 
+class KnownEntries;
+
 // An operation either succeeds or leaves the document as it was, also when it throws std::bad_alloc.
 class Document {
  public:
   // Reads the text; problems, if there are any, go to `problems`, and the document is then not to be used.
-  explicit Document(SourceText source, std::vector<Problem>& problems);
+  Document(SourceText source, std::vector<Problem>& problems);
 
   // The same, but for entries that `model` has set aside and that stand here with the very same bytes: these are set
   // aside at once and not taken apart. Others of them may stand here as well, at other places.

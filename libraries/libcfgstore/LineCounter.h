@@ -14,9 +14,7 @@ namespace cfgstore {
 class LineCounter {
  public:
   // The pieces must stay valid as long as the counter is used.
-  // `first` is the number of their first line.
-  explicit LineCounter(std::span<const std::string_view> pieces, std::size_t first = 1)
-      : m_pieces(pieces), m_number(first) {
+  explicit LineCounter(std::span<const std::string_view> pieces) : m_pieces(pieces) {
     if (!pieces.empty()) m_at = pieces.front().data();
   }
 
@@ -38,7 +36,7 @@ class LineCounter {
 
   std::span<const std::string_view> m_pieces;  // the one at hand and those below it
   const char* m_at = nullptr;                  // up to where line feeds are counted
-  std::size_t m_number;
+  std::size_t m_number = 1;
 };
 
 }  // namespace cfgstore

@@ -20,6 +20,8 @@ constexpr std::size_t kMostEmptyLines = 3;
 
 bool isContinuationByte(char c) { return (static_cast<unsigned char>(c) & 0xc0) == 0x80; }
 bool isBeyondAscii(char c) { return static_cast<unsigned char>(c) >= 0x80; }
+bool isControl(char c) { return (static_cast<unsigned char>(c) < ' ' && c != '\t') || c == '\x7f'; }
+
 // Eight bytes at a time: of a large file, all have to be looked at.
 bool isAnyBeyondAscii(std::string_view text) {
   for (std::uint64_t eight = 0; text.size() >= sizeof eight; text.remove_prefix(sizeof eight)) {
@@ -28,7 +30,6 @@ bool isAnyBeyondAscii(std::string_view text) {
   }
   return std::any_of(text.begin(), text.end(), isBeyondAscii);
 }
-bool isControl(char c) { return (static_cast<unsigned char>(c) < ' ' && c != '\t') || c == '\x7f'; }
 
 // Where to fold before `limit`: not in the middle of a UTF-8 character, and never at `from` itself.
 std::size_t foldAt(std::string_view text, std::size_t from, std::size_t limit) {

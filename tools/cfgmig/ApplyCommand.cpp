@@ -222,7 +222,7 @@ ExitStatus runApply(const Arguments& arguments, Console& console) {
   Report report = migration.report(reports.showSecrets);
   const ExitStatus status = arguments.has("--dry-run") ? preview(migration, reports, report, console)
                                                        : write(migration, reports, report, console);
-  leaveOpen(std::move(migrationKept), migration.newStore().textAsRead().size());
+  leaveOpen(migrationKept, migration.newStore().textAsRead().size());
   return status;
 }
 

@@ -56,8 +56,8 @@ ExitStatus runCompare(const Arguments& arguments, Console& console) {
 
   const Comparison comparison = compare(*oldConfiguration, *newConfiguration, arguments.has("--show-secrets"));
   const std::uint64_t size = storeOf(*newConfiguration).textAsRead().size();
-  leaveOpen(std::move(oldConfiguration), size);
-  leaveOpen(std::move(newConfiguration), size);
+  leaveOpen(oldConfiguration, size);
+  leaveOpen(newConfiguration, size);
   const std::string text = arguments.has("--json") ? jsonOf(comparison) : ldifOf(comparison);
   if (inputs.output.path.empty()) {
     console.out << text;

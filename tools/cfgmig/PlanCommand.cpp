@@ -71,7 +71,7 @@ ExitStatus runPlan(const Arguments& arguments, Console& console) {
   saveReports(reports, report);
   tellLosses(report, console);
   showReport(reports, report, console);
-  leaveOpen(std::move(migrationKept), migration.newStore().textAsRead().size());
+  leaveOpen(migrationKept, migration.newStore().textAsRead().size());
   if (status != ExitStatus::done) throw Failure(status, obstacles);
   const bool hasChanges = report.outcome.kind != Outcome::Kind::nothingToDo;
   return hasChanges && arguments.has("--exit-code") ? ExitStatus::differs : ExitStatus::done;

@@ -130,7 +130,7 @@ ExitStatus runVerify(const Arguments& arguments, Console& console) {
   } else {
     writeAuditText(report, console.out);
   }
-  leaveOpen(std::move(inputs), beforeText.size());
+  leaveOpen(inputs, beforeText.size());
   return statusOf(found.verdict());
 }
 

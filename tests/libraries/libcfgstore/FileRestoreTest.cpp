@@ -6,7 +6,10 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <cerrno>
 #include <filesystem>
+#include <functional>
+#include <initializer_list>
 
 #include "FaultyFileSystem.h"
 #include "TestAttributes.h"
@@ -54,6 +57,22 @@ class Restore : public testing::Test {
       EXPECT_EQ(readFile(m_target), content);
     }
     return told;
+  }
+
+  // Has the first call fail, the second, and so on, until none is left, once for each of the errors.
+  void failEachCall(std::initializer_list<int> errors, const std::function<void(test::FaultyFileSystem&)>& run) {
+    for (const int error : errors) {
+      bool failed = true;
+      for (int n = 1; failed; ++n) {
+        ASSERT_LT(n, 300) << "the sweep does not end";
+        m_directory.write("config", kNew);
+        test::FaultyFileSystem files;
+        files.failCall(n, error);
+        run(files);
+        failed = files.hasFailed();
+        EXPECT_EQ(files.openFiles(), 0) << files.failedCall();
+      }
+    }
   }
 
   const TemporaryDirectory m_directory;
@@ -128,26 +147,17 @@ TEST_F(Restore, RefusesAFileWithSeveralNames) {
 }
 
 TEST_F(Restore, LeavesEverythingAsItWasWhicheverCallFails) {
-  for (const int error : {EIO, ENOSPC, EACCES}) {
-    bool failed = true;
-    for (int n = 1; failed; ++n) {
-      ASSERT_LT(n, 300) << "the sweep does not end";
-      m_directory.write("config", kNew);
-      test::FaultyFileSystem files;
-      files.failCall(n, error);
-      std::string told;
-      try {
-        restoreFile(m_target, m_backup, isNew, Backup::none, files);
-      } catch (const SaveError& failure) {
-        told = failure.what();
-      }
-      failed = files.hasFailed();
-      EXPECT_EQ(files.openFiles(), 0) << files.failedCall();
-      EXPECT_EQ(readFile(m_target), told.empty() ? kOld : kNew) << files.failedCall();
-      EXPECT_EQ(readFile(m_backup), kOld);
-      EXPECT_THAT(m_directory.names(), ElementsAre("config", "config.bak")) << files.failedCall();
+  failEachCall({EIO, ENOSPC, EACCES}, [this](test::FaultyFileSystem& files) {
+    std::string told;
+    try {
+      restoreFile(m_target, m_backup, isNew, Backup::none, files);
+    } catch (const SaveError& failure) {
+      told = failure.what();
     }
-  }
+    EXPECT_EQ(readFile(m_target), told.empty() ? kOld : kNew) << files.failedCall();
+    EXPECT_EQ(readFile(m_backup), kOld);
+    EXPECT_THAT(m_directory.names(), ElementsAre("config", "config.bak")) << files.failedCall();
+  });
 }
 
 TEST_F(Restore, RemovesAFileThatWasMade) {
@@ -164,27 +174,18 @@ TEST_F(Restore, DoesNotRemoveAFileThatHasChangedSince) {
 }
 
 TEST_F(Restore, TellsWhetherAFileWasRemovedWhicheverCallFails) {
-  for (const int error : {EIO, EACCES}) {
-    bool failed = true;
-    for (int n = 1; failed; ++n) {
-      ASSERT_LT(n, 300) << "the sweep does not end";
-      m_directory.write("config", kNew);
-      test::FaultyFileSystem files;
-      files.failCall(n, error);
-      bool removed = false;
-      try {
-        removed = removeFile(m_target, isNew, files);
-      } catch (const SaveError& failure) {
-        EXPECT_THAT(failure.what(), HasSubstr(m_target));
-      }
-      failed = files.hasFailed();
-      EXPECT_EQ(files.openFiles(), 0) << files.failedCall();
-      EXPECT_EQ(fs::exists(m_target), !removed) << files.failedCall();
-      if (!removed) {
-        EXPECT_EQ(readFile(m_target), kNew) << files.failedCall();
-      }
+  failEachCall({EIO, EACCES}, [this](test::FaultyFileSystem& files) {
+    bool removed = false;
+    try {
+      removed = removeFile(m_target, isNew, files);
+    } catch (const SaveError& failure) {
+      EXPECT_THAT(failure.what(), HasSubstr(m_target));
     }
-  }
+    EXPECT_EQ(fs::exists(m_target), !removed) << files.failedCall();
+    if (!removed) {
+      EXPECT_EQ(readFile(m_target), kNew) << files.failedCall();
+    }
+  });
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <chrono>
 #include <ctime>
 #include <filesystem>
 #include <span>
@@ -94,7 +95,9 @@ void Migration::merge(std::vector<std::string>& warnings) {
   readInventory(*m_new);
 
   LedgerBuilder builder(*m_old, *m_new, source.version);
-  if (m_wantsFingerprints) m_inputs = inputsHashed(true);
+  // They may have been made already, to see whether a plan is stale.
+  const bool areMade = m_inputs.wait_for(std::chrono::seconds(0)) == std::future_status::ready;
+  if (m_wantsFingerprints && !areMade) m_inputs = inputsHashed(true);
   if (m_wantsCheck) m_check.emplace(builder.begun(), newStore(), m_request.schemas ? m_request.schemas->target : "");
   builder.merge();
   if (m_request.schemas) {

@@ -86,7 +86,7 @@ struct EarlySelfCheck::State {
       auto result = std::make_unique<Examined>(examined.get());
       if (!result->changed.empty()) return std::nullopt;
       std::vector<std::string> lines = faultsIn(*result, *ledger);
-      leaveOpen(std::move(result), merged.textAsRead().size());
+      leaveOpen(result, merged.textAsRead().size());
       return lines;
     } catch (const cfgstore::OpenError&) {
       return std::nullopt;

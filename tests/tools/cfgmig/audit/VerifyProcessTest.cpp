@@ -37,6 +37,15 @@ class VerifyProcess : public ApplyFixture {
     return runTool(words);
   }
 
+  // The old configuration includes a schema file of its own.
+  void includeASchemaFile() const {
+    const std::string entry =
+        "\ndn: cn=ZOR Directory,cn=Schemas,cn=Configuration\nobjectClass: top\ncn: ZOR Directory\n"
+        "zor-slapdSchemaAdditions: /opt/our.additions\n";
+    workspace.write("old.ldif", sample::kOld + entry + "zor-slapdIncludeSchema: /opt/our.at\n", 0600);
+    workspace.write("new.ldif", sample::kNew + entry, 0640);
+  }
+
   void edit(const std::string& text, const std::string& by) const {
     std::string merged = workspace.read("merged.ldif");
     const std::size_t at = merged.find(text);
@@ -59,11 +68,7 @@ TEST_F(VerifyProcess, AgreesWithWhatApplyWrites) {
 }
 
 TEST_F(VerifyProcess, KnowsSchemaFilesByTheDirectoryThatTheyWereCopiedTo) {
-  const std::string entry =
-      "\ndn: cn=ZOR Directory,cn=Schemas,cn=Configuration\nobjectClass: top\ncn: ZOR Directory\n"
-      "zor-slapdSchemaAdditions: /opt/our.additions\n";
-  workspace.write("old.ldif", sample::kOld + entry + "zor-slapdIncludeSchema: /opt/our.at\n", 0600);
-  workspace.write("new.ldif", sample::kNew + entry, 0640);
+  includeASchemaFile();
   for (const char* directory : {"search", "search/etc", "target"}) {
     std::filesystem::create_directory(workspace.path(directory));
   }
@@ -168,11 +173,7 @@ TEST_F(VerifyProcess, NamesTheOldLineOfAValueThatNoRuleBringsThere) {
 }
 
 TEST_F(VerifyProcess, ListsTheSchemaFilesThatAreIncludedAsBefore) {
-  const std::string entry =
-      "\ndn: cn=ZOR Directory,cn=Schemas,cn=Configuration\nobjectClass: top\ncn: ZOR Directory\n"
-      "zor-slapdSchemaAdditions: /opt/our.additions\n";
-  workspace.write("old.ldif", sample::kOld + entry + "zor-slapdIncludeSchema: /opt/our.at\n", 0600);
-  workspace.write("new.ldif", sample::kNew + entry, 0640);
+  includeASchemaFile();
   std::filesystem::remove(workspace.path("merged.ldif"));
   apply({"-o", workspace.path("merged.ldif")});
   EXPECT_TRUE(Json::parse(verify({"--json"}).out)["schema_files_left"].empty()) << "none were to be copied";
