@@ -5,6 +5,7 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <chrono>
 #include <filesystem>
 #include <thread>
@@ -168,6 +169,43 @@ TEST_F(InterruptedApply, TellsASecondOneWhoIsAtWork) {
   EXPECT_EQ(m_tool.wait(), 0) << m_tool.err();
   EXPECT_EQ(m_files.read("new.ldif"), m_result);
   expectNamesOfASave();
+}
+
+// What the tool says when another program writes the result anew right after it was put in place.
+TEST_F(InterruptedApply, TellsOfAResultThatIsNotWhatItWrote) {
+  const auto isRename = [](const SystemCall& call) { return call.name.starts_with("rename"); };
+  const auto rename = std::find_if(m_calls.begin(), m_calls.end(), isRename);
+  const auto sync = std::find_if(rename, m_calls.end(), [](const SystemCall& call) { return call.name == "fsync"; });
+  ASSERT_NE(sync, m_calls.end());
+  const struct {
+    std::string content;
+    std::string told;
+  } cases[] = {
+      {sample::kNew, "cfgmig: and 1 more\n"},  // of more lines than anybody reads
+      {m_result + "\ndn: cn=Strange,cn=Configuration\nobjectClass: top\n",
+       "in CN=STRANGE,CN=CONFIGURATION: an entry is there that neither configuration explains\n"},
+      {"no configuration\n", "new.ldif:1: no colon on this line"},
+  };
+  for (const auto& each : cases) {
+    SCOPED_TRACE(each.told);
+    prepare();
+    m_tool.startDelaying(*sync, 1);
+    for (int i = 0; i < 500 && m_files.read("new.ldif") != m_result; ++i) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    m_files.write("new.ldif", each.content, 0640);
+    EXPECT_EQ(m_tool.wait(), 5) << m_tool.out();
+    EXPECT_THAT(m_tool.err(), HasSubstr("new.ldif: the check of the result has failed\n"));
+    EXPECT_THAT(m_tool.err(), HasSubstr(each.told));
+    EXPECT_THAT(m_tool.err(), HasSubstr("see cfgmig verify; cfgmig undo "));
+  }
+}
+
+TEST_F(InterruptedApply, RefusesAFileWhoseAttributesCannotBeRead) {
+  prepare();
+  EXPECT_EQ(m_tool.runWith({"fgetxattr", 1, ""}, "error=EIO"), 1);
+  EXPECT_THAT(m_tool.err(), HasSubstr("old.ldif: its attribute system.posix_acl_access cannot be read: "));
+  EXPECT_EQ(m_files.read("new.ldif"), sample::kNew);
 }
 
 constexpr char kConfiguration[] =

@@ -16,8 +16,8 @@ using testing::HasSubstr;
 constexpr const char* kRoot = "dn: cn=Configuration\nobjectClass: top\ncn: Configuration\nzor-slapdVersion: 6.0\n\n";
 
 // Of 4,000 entries, one in ten differs, one in twenty is on each side only.
-std::string configuration(bool isOld) {
-  std::string text = kRoot;
+std::string configuration(bool isOld, const std::string& besides = "") {
+  std::string text = kRoot + besides;
   for (int i = 0; i < 4000; ++i) {
     if (i % 20 == (isOld ? 1 : 2)) continue;
     const std::string number = std::to_string(i);
@@ -79,6 +79,27 @@ TEST_F(LargePair, IsAppliedAsEntryByEntryAndAudited) {
   const std::string audit = run({"verify", "--old", m_files.path("old.ldif"), "--before", m_files.path("new.ldif"),
                                  "--result", m_files.path("a.ldif")});
   EXPECT_THAT(audit, HasSubstr("verdict  agrees"));
+}
+
+// Configurations of many megabytes are not given back piece by piece at the end.
+TEST_F(LargePair, IsMergedTheSameWithManyMegabytesBesides) {
+  std::string besides = "dn: cn=Large,cn=Configuration\nobjectClass: top\ncn: Large\n";
+  for (char value = 'a'; value < 'k'; ++value) besides += "zor-large: " + std::string(1 << 20, value) + "\n";
+  besides += "\n";
+  auto words = pair("apply");
+  words.insert(words.end(), {"-o", m_files.path("a.ldif")});
+  run(words);
+  const std::string difference = run(pair("compare"));
+
+  m_files.write("old.ldif", configuration(true, besides));
+  m_files.write("new.ldif", configuration(false, besides));
+  EXPECT_EQ(run(pair("compare")), difference);
+  words.back() = m_files.path("b.ldif");
+  EXPECT_THAT(run(words), HasSubstr("19415 values: 18015 same, 1400 carried"));
+  std::string result = m_files.read("b.ldif");
+  const std::size_t at = result.find(besides);
+  ASSERT_NE(at, std::string::npos);
+  EXPECT_EQ(result.erase(at, besides.size()), m_files.read("a.ldif"));
 }
 
 TEST_F(LargePair, TellsOfAChangeInAnEntryThatWasTheSame) {

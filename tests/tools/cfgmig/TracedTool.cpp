@@ -124,3 +124,9 @@ void TracedTool::startDelaying(const std::string& calls, int seconds) {
   start({"-o", "/dev/null", "-e", "trace=" + calls, "-e",
          "inject=" + calls + ":delay_enter=" + std::to_string(seconds * 1000000)});
 }
+
+void TracedTool::startDelaying(const SystemCall& call, int seconds) {
+  start({"-o", "/dev/null", "-e", "trace=" + call.name, "-e",
+         "inject=" + call.name + ":delay_enter=" + std::to_string(seconds * 1000000) +
+             ":when=" + std::to_string(call.number)});
+}

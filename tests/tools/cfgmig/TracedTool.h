@@ -28,8 +28,9 @@ class TracedTool {
   // signal's number when it was killed.
   int runWith(const SystemCall& call, const std::string& what);
 
-  // Starts it; the call is entered `seconds` later than the tool would.
+  // Starts it; each of the calls, or this one, is entered `seconds` later than the tool would.
   void startDelaying(const std::string& calls, int seconds);
+  void startDelaying(const SystemCall& call, int seconds);
   int wait();
 
   const std::string& out() const { return m_out; }

@@ -48,7 +48,6 @@ class Migration {
   // staged. Throws Failure, also when the account of the values does not add up.
   void merge(std::vector<std::string>& warnings);
 
-  const Ledger& ledger() const { return *m_ledger; }
   cfgstore::ConfigStore& oldStore() const { return storeOf(*m_old); }
   cfgstore::ConfigStore& newStore() const { return storeOf(*m_new); }
   const std::string& sourceVersion() const { return m_sourceVersion; }
