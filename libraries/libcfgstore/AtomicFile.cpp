@@ -4,7 +4,6 @@
 #include <utility>
 
 #include "AccessList.h"
-#include "NewFile.h"
 #include "Replacement.h"
 #include "SaveErrors.h"
 
@@ -26,7 +25,19 @@ AtomicFile::AtomicFile(FileSystem& fileSystem, std::string target, const SourceF
 
 SavedFile AtomicFile::save(std::span<const std::string_view> pieces, Backup backup, std::time_t now,
                            mode_t permissions) {
-  return asSaveErrors(m_target, [&] { return saveLocked(pieces, backup, now, permissions); });
+  prepare(pieces, now, permissions);
+  return finish(backup, now);
+}
+
+void AtomicFile::prepare(std::span<const std::string_view> pieces, std::time_t now, mode_t permissions) {
+  asSaveErrors(m_target, [&] { prepareLocked(pieces, now, permissions); });
+}
+
+SavedFile AtomicFile::finish(Backup backup, std::time_t now) {
+  if (m_file) asSaveErrors(m_target, [&] { putInPlace(backup, now); });
+  m_file.reset();
+  m_locked.reset();
+  return std::move(m_saved);
 }
 
 bool AtomicFile::check(std::span<const std::string_view> pieces, mode_t permissions) const {
@@ -41,39 +52,41 @@ bool AtomicFile::check(std::span<const std::string_view> pieces, mode_t permissi
   });
 }
 
-SavedFile AtomicFile::saveLocked(std::span<const std::string_view> pieces, Backup backup, std::time_t now,
-                                 mode_t permissions) {
-  TargetFile target(m_fileSystem, m_target, Access::write);
-  SavedFile saved;
-  saved.isSource = isSource(target);
+void AtomicFile::prepareLocked(std::span<const std::string_view> pieces, std::time_t now, mode_t permissions) {
+  const TargetFile& target = m_locked.emplace(m_fileSystem, m_target, Access::write);
+  m_saved.isSource = isSource(target);
   if (!isWanted(target, pieces)) {
-    saved.result.recoveredPath = target.clearLeftovers(now);
+    m_saved.result.recoveredPath = m_locked->clearLeftovers(now);
     const std::string list = extendedAttribute(m_fileSystem, target.file(), kAccessListAttribute);
-    saved.stamp = FileStamp::of(target.status(), list);
-    return saved;
+    m_saved.stamp = FileStamp::of(target.status(), list);
+    return;
   }
   refuse(target);
-  saved.result.recoveredPath = target.clearLeftovers(now);
+  m_saved.result.recoveredPath = m_locked->clearLeftovers(now);
 
   FileAttributes attributes = target.exists() ? target.attributes() : FileAttributes{};
-  NewFile file(m_fileSystem, besideName(target.path(), "new"));
+  NewFile& file = m_file.emplace(m_fileSystem, besideName(target.path(), "new"));
   if (!target.exists()) attributes.mode = modeOfNew(file);
   attributes.limit(permissions);
   file.make(pieces, attributes);
+  m_accessList = std::move(attributes.accessList);
+}
+
+void AtomicFile::putInPlace(Backup backup, std::time_t now) {
+  const TargetFile& target = *m_locked;
   if (target.exists()) {
     target.checkUntouched();
-    saved.result.backupPath = replaceFile(m_fileSystem, file, target.path(), backup, now, [&] {
-      if (saved.isSource) refuseOtherContent(target);
+    m_saved.result.backupPath = replaceFile(m_fileSystem, *m_file, target.path(), backup, now, [&] {
+      if (m_saved.isSource) refuseOtherContent(target);
       target.checkUnchanged();
     });
   } else {
-    createFile(m_fileSystem, file, target.path());
+    createFile(m_fileSystem, *m_file, target.path());
   }
 
   struct stat status {};
-  if (m_fileSystem.fstat(file.file(), &status) == 0) saved.stamp = FileStamp::of(status, attributes.accessList);
-  saved.result.written = true;
-  return saved;
+  if (m_fileSystem.fstat(m_file->file(), &status) == 0) m_saved.stamp = FileStamp::of(status, m_accessList);
+  m_saved.result.written = true;
 }
 
 bool AtomicFile::isSource(const TargetFile& target) const {

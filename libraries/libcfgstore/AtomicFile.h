@@ -19,12 +19,11 @@
 
 #include "ConfigStore.h"
 #include "FileSystem.h"
+#include "NewFile.h"
 #include "SourceText.h"
 #include "TargetFile.h"
 
 namespace cfgstore {
-
-class NewFile;
 
 // The file that the content was read from, to be recognised when it is the target.
 struct SourceFile {
@@ -44,16 +43,21 @@ class AtomicFile {
  public:
   AtomicFile(FileSystem& fileSystem, std::string target, const SourceFile& source);
 
-  // Writes the pieces, laid end to end. Throws SaveError. `now` is the time in the name of a backup, `permissions` the
-  // most that anybody may do with the result.
+  // Writes the pieces, laid end to end: prepare and finish. `now` is the time in the name of a backup, `permissions`
+  // the most that anybody may do with the result. Throws SaveError, and this object is then of no more use.
   SavedFile save(std::span<const std::string_view> pieces, Backup backup, std::time_t now, mode_t permissions = 07777);
+
+  // All but to put the new file in place. It goes with this object unless that was done, and so does the lock.
+  void prepare(std::span<const std::string_view> pieces, std::time_t now, mode_t permissions);
+  SavedFile finish(Backup backup, std::time_t now);
 
   // Whether a save would write anything. Throws SaveError as that would, but for what only writing can show. Changes
   // nothing.
   bool check(std::span<const std::string_view> pieces, mode_t permissions = 07777) const;
 
  private:
-  SavedFile saveLocked(std::span<const std::string_view> pieces, Backup backup, std::time_t now, mode_t permissions);
+  void prepareLocked(std::span<const std::string_view> pieces, std::time_t now, mode_t permissions);
+  void putInPlace(Backup backup, std::time_t now);
   bool isSource(const TargetFile& target) const;
   bool isWanted(const TargetFile& target, std::span<const std::string_view> pieces) const;
   void refuse(const TargetFile& target) const;
@@ -63,6 +67,10 @@ class AtomicFile {
   FileSystem& m_fileSystem;
   std::string m_target;  // as the caller named it
   const SourceFile& m_source;
+  SavedFile m_saved;
+  std::string m_accessList;            // of the new file
+  std::optional<TargetFile> m_locked;  // from prepare to finish
+  std::optional<NewFile> m_file;       // none when the target holds the pieces already
 };
 
 }  // namespace cfgstore

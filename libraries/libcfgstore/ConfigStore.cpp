@@ -6,6 +6,7 @@
 #include "AtomicFile.h"
 #include "Document.h"
 #include "EqualEntries.h"
+#include "SaveAhead.h"
 #include "SourceText.h"
 
 namespace cfgstore {
@@ -101,9 +102,23 @@ std::string ConfigStore::text() const {
 std::vector<std::string_view> ConfigStore::pieces() const { return m_state->document.pieces(); }
 
 SaveResult ConfigStore::save(const std::string& target, Backup backup, unsigned permissions) {
-  const auto& pieces = m_state->document.pieces();
-  AtomicFile file(FileSystem::real(), target, m_state->source);
-  SavedFile saved = file.save(pieces, backup, std::time(nullptr), permissions);
+  return SaveAhead(*this, target, permissions).finish(backup);
+}
+
+struct SaveAhead::State {
+  SourceFile& source;
+  AtomicFile file;
+};
+
+SaveAhead::SaveAhead(ConfigStore& store, const std::string& target, unsigned permissions)
+    : m_state(new State{store.m_state->source, {FileSystem::real(), target, store.m_state->source}}) {
+  m_state->file.prepare(store.m_state->document.pieces(), std::time(nullptr), permissions);
+}
+
+SaveAhead::~SaveAhead() = default;
+
+SaveResult SaveAhead::finish(Backup backup) {
+  SavedFile saved = m_state->file.finish(backup, std::time(nullptr));
   if (saved.isSource) {
     m_state->source.stamp = saved.stamp;
     if (saved.result.written) m_state->source.text.reset();

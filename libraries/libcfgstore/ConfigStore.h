@@ -163,6 +163,7 @@ class ConfigStore {
  private:
   friend std::unique_ptr<ConfigStore> openLike(const std::string& path, const ConfigStore& model);
   friend std::unique_ptr<ConfigStore> readAsSaved(ConfigStore& store);
+  friend class SaveAhead;
 
   struct State;
   explicit ConfigStore(std::unique_ptr<State> state);

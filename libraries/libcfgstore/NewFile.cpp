@@ -81,29 +81,28 @@ void takeLeftover(FileSystem& fileSystem, const std::string& path, Access access
 
 bool holdsContent(FileSystem& fileSystem, int file, std::span<const std::string_view> pieces) {
   const auto buffer = std::make_unique_for_overwrite<char[]>(kBlock);
+  std::string_view read;  // what of the buffer has not been compared yet
   off_t offset = 0;
-  // Reads up to `size` bytes, fewer only at the end of the file.
-  const auto readBlock = [&](std::size_t size) {
-    std::size_t done = 0;
-    while (done < size) {
-      const ssize_t got = fileSystem.pread(file, buffer.get() + done, size - done, offset);
-      if (got < 0 && errno == EINTR) continue;
-      if (got < 0) throw FileError("cannot be read", errno);
-      if (got == 0) break;
-      done += static_cast<std::size_t>(got);
-      offset += got;
-    }
-    return done;
+  // False at the end of the file.
+  const auto readMore = [&] {
+    ssize_t got = 0;
+    do got = fileSystem.pread(file, buffer.get(), kBlock, offset);
+    while (got < 0 && errno == EINTR);
+    if (got < 0) throw FileError("cannot be read", errno);
+    offset += got;
+    read = {buffer.get(), static_cast<std::size_t>(got)};
+    return got > 0;
   };
-  bool same = true;
-  inBlocks(pieces, [&](std::string_view text) {
-    while (same && !text.empty()) {
-      const std::size_t size = std::min(text.size(), kBlock);
-      same = readBlock(size) == size && std::memcmp(buffer.get(), text.data(), size) == 0;
-      text.remove_prefix(size);
+  for (std::string_view piece : pieces) {
+    while (!piece.empty()) {
+      if (read.empty() && !readMore()) return false;
+      const std::size_t size = std::min(piece.size(), read.size());
+      if (std::memcmp(piece.data(), read.data(), size) != 0) return false;
+      piece.remove_prefix(size);
+      read.remove_prefix(size);
     }
-  });
-  return same && readBlock(1) == 0;
+  }
+  return read.empty() && !readMore();
 }
 
 void NewFile::clearLeftover(FileSystem& fileSystem, const std::string& path) {

@@ -143,13 +143,15 @@ void clearUp(const std::string& target, Console& console) {
   tellRecovered(saveTo(*store, target), console);
 }
 
-ExitStatus write(Migration& migration, const ReportRequest& reports, Report& report, Console& console) {
+// `early` is the save, if it was begun.
+ExitStatus write(Migration& migration, unsigned permissions, EarlySave* early, const ReportRequest& reports,
+                 Report& report, Console& console) {
   const MigrationRequest& request = migration.request();
-  const unsigned permissions = permissionsOf(migration, console);
   const HeldSignals signals;  // what was done is told, too
   SchemaCopies* const schemas = migration.schemas();
   std::future<std::string> fingerprint = fingerprintOfResult(migration.newStore());
-  const cfgstore::SaveResult saved = schemas != nullptr
+  const cfgstore::SaveResult saved = early != nullptr ? early->finish()
+                                     : schemas != nullptr
                                          ? schemas->saveWith(migration.newStore(), request.target, permissions)
                                          : saveTo(migration.newStore(), request.target, permissions);
   if (schemas != nullptr) report.outcome.schemas = schemaFilesOf(*schemas, false);
@@ -173,10 +175,11 @@ ExitStatus write(Migration& migration, const ReportRequest& reports, Report& rep
   return isWell ? ExitStatus::done : ExitStatus::lost;
 }
 
-ExitStatus preview(Migration& migration, const ReportRequest& reports, Report& report, Console& console) {
+ExitStatus preview(Migration& migration, unsigned permissions, const ReportRequest& reports, Report& report,
+                   Console& console) {
   std::optional<Failure> obstacle;
   try {
-    if (!wouldSave(migration.newStore(), migration.request().target, permissionsOf(migration, console))) {
+    if (!wouldSave(migration.newStore(), migration.request().target, permissions)) {
       report.outcome.kind = Outcome::Kind::nothingToDo;
     }
   } catch (const Failure& failure) {
@@ -213,15 +216,23 @@ ExitStatus runApply(const Arguments& arguments, Console& console) {
     tellApplied(*record, replay.get(), reports, console);
     return missingOutputs(console).empty() ? ExitStatus::done : ExitStatus::failed;
   }
-  if (!arguments.has("--dry-run")) {
+  const bool isPreview = arguments.has("--dry-run");
+  if (!isPreview) {
     migration.wantFingerprints();  // for the record for undo
     migration.wantCheck();
   }
   migration.merge(warnings);
   tellAll(warnings, console);
+  const unsigned permissions = permissionsOf(migration, console);
+  std::optional<EarlySave> early;
+  // Schema files have to be there before a configuration that names them.
+  if (!isPreview && migration.schemas() == nullptr) early.emplace(migration.newStore(), request.target, permissions);
+  migration.account();
   Report report = migration.report(reports.showSecrets);
-  const ExitStatus status = arguments.has("--dry-run") ? preview(migration, reports, report, console)
-                                                       : write(migration, reports, report, console);
+  if (early && HeldSignals::isOneWaiting()) early.reset();  // which lets it arrive; nothing is in place yet
+  const ExitStatus status = isPreview
+                                ? preview(migration, permissions, reports, report, console)
+                                : write(migration, permissions, early ? &*early : nullptr, reports, report, console);
   leaveOpen(migrationKept, migration.newStore().textAsRead().size());
   return status;
 }

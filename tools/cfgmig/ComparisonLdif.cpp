@@ -1,15 +1,21 @@
 // ComparisonLdif.cpp -- a comparison as LDIF.
 
+#include <span>
+
 #include "Comparison.h"
 #include "LineWriter.h"
 #include "PrintableText.h"
+#include "Threads.h"
 
 namespace tool {
+namespace {
 
-std::string ldifOf(const Comparison& comparison) {
+constexpr std::size_t kBytesOfAnEntry = 500;  // roughly
+
+std::string ldifOf(std::span<const ComparedEntry> entries) {
   const cfgstore::Habits habits;
   std::string text;
-  for (const ComparedEntry& entry : comparison.entries) {
+  for (const ComparedEntry& entry : entries) {
     if (!text.empty()) text += '\n';
     text += writeLine(habits, "dn", entry.dn);
     if (entry.attributes.empty()) text += "# nothing of it is left; the new configuration's entry holds more\n";
@@ -21,6 +27,17 @@ std::string ldifOf(const Comparison& comparison) {
     }
   }
   return text;
+}
+
+}  // namespace
+
+std::string ldifOf(const Comparison& comparison) {
+  const std::span entries = comparison.entries;
+  const std::size_t half = entries.size() / 2;
+  auto pending = cfgstore::doBeside(entries.size() * kBytesOfAnEntry, [&] { return ldifOf(entries.subspan(half)); });
+  std::string text = ldifOf(entries.first(half));
+  if (!text.empty()) text += '\n';
+  return text += pending.get();
 }
 
 }  // namespace tool

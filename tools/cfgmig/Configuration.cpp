@@ -11,6 +11,7 @@
 #include "ConfigStore.h"
 #include "EqualEntries.h"
 #include "Failure.h"
+#include "LargeHeap.h"
 #include "PrintableText.h"
 #include "SizeLimit.h"
 #include "Threads.h"
@@ -53,19 +54,24 @@ std::unique_ptr<Store> open(const std::string& path, std::vector<std::string>& p
   return openBy([&] { return std::make_unique<Store>(path.c_str(), arguments...); }, path, problems);
 }
 
-// Reading a large file is worth a thread; what is opened does not share anything.
-template <class Store, class... Arguments>
+// Reading a large file is worth a thread; what is opened does not share anything. `then` sees the number of what was
+// opened, and that.
+template <class Store, class Then>
 std::vector<std::unique_ptr<Store>> openAll(std::span<const std::string> paths, std::vector<std::string>& problems,
-                                            Arguments... arguments) {
+                                            const Then& then) {
   struct Opened {
     std::unique_ptr<Store> store;
     std::vector<std::string> problems;
   };
   const auto openOne = [&](const std::string& path) {
     Opened opened;
-    opened.store = open<Store>(path, opened.problems, arguments...);
+    opened.store = open<Store>(path, opened.problems, nullptr);
+    if (opened.store) then(static_cast<std::size_t>(&path - paths.data()), *opened.store);
     return opened;
   };
+  std::uint64_t all = 0;
+  for (const std::string& path : paths) all += sizeOf(path);
+  makeRoomFor(all);
   std::vector<std::future<Opened>> pending;
   for (const std::string& path : paths) {
     const std::uint64_t bytes = &path == &paths.front() ? 0 : sizeOf(path);  // one can be read in this thread
@@ -83,22 +89,26 @@ std::vector<std::unique_ptr<Store>> openAll(std::span<const std::string> paths, 
 }  // namespace
 
 std::unique_ptr<ConfigFile> openConfiguration(const std::string& path, std::vector<std::string>& problems) {
+  makeRoomFor(sizeOf(path));
   return open<ConfigFile>(path, problems, nullptr);
 }
 
-OpenPair openConfigurations(const std::string& oldPath, const std::string& newPath,
-                            std::vector<std::string>& problems) {
+OpenPair openConfigurations(const std::string& oldPath, const std::string& newPath, std::vector<std::string>& problems,
+                            Learns learns) {
   const std::string paths[] = {oldPath, newPath};
-  auto opened = openAll<ConfigFile>(paths, problems, nullptr);
+  auto opened = openAll<ConfigFile>(paths, problems, [&](std::size_t number, ConfigFile& configuration) {
+    if (number == 1 && learns == Learns::habits) cfgstore::learnHabits(storeOf(configuration));
+  });
   return {std::move(opened[0]), std::move(opened[1])};
 }
 
 std::vector<std::unique_ptr<OVOConfigUtils::CfgUtils>> openAllUtils(std::span<const std::string> paths,
                                                                     std::vector<std::string>& problems) {
-  return openAll<OVOConfigUtils::CfgUtils>(paths, problems, nullptr);
+  return openAll<OVOConfigUtils::CfgUtils>(paths, problems, [](std::size_t, OVOConfigUtils::CfgUtils&) {});
 }
 
 std::unique_ptr<cfgstore::ConfigStore> openStore(const std::string& path) {
+  makeRoomFor(sizeOf(path));
   std::vector<std::string> problems;
   auto store = open<cfgstore::ConfigStore>(path, problems);
   if (!store) throw Failure(ExitStatus::failed, problems);

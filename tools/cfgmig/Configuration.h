@@ -28,7 +28,11 @@ struct OpenPair {
   std::unique_ptr<ConfigFile> old;
   std::unique_ptr<ConfigFile> now;
 };
-OpenPair openConfigurations(const std::string& oldPath, const std::string& newPath, std::vector<std::string>& problems);
+// Learns::habits: the new one is going to be written to, and how its file is written is learned as well, which is done
+// beside other work here.
+enum class Learns { nothing, habits };
+OpenPair openConfigurations(const std::string& oldPath, const std::string& newPath, std::vector<std::string>& problems,
+                            Learns learns = Learns::nothing);
 
 // The same without the library, the store alone: all of them, several at once, in their order.
 std::vector<std::unique_ptr<OVOConfigUtils::CfgUtils>> openAllUtils(std::span<const std::string> paths,

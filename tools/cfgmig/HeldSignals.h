@@ -16,6 +16,9 @@ class HeldSignals {
   HeldSignals(const HeldSignals&) = delete;
   HeldSignals& operator=(const HeldSignals&) = delete;
 
+  // Whether one of them has been sent meanwhile.
+  static bool isOneWaiting();
+
  private:
   sigset_t m_before{};
 };

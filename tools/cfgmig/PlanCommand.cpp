@@ -54,6 +54,7 @@ ExitStatus runPlan(const Arguments& arguments, Console& console) {
   if (reports.showsValues()) migration.wantFingerprints();
   migration.merge(warnings);
   for (const std::string& warning : warnings) console.err << "cfgmig: " << warning << '\n';
+  migration.account();
 
   Report report = migration.report(reports.showSecrets);
   for (const ReportRequest::InFile& file : reports.files) {

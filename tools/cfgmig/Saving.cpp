@@ -2,10 +2,10 @@
 
 #include <ostream>
 
-#include "HeldSignals.h"
 #include "Outputs.h"
 #include "PrintableText.h"
 #include "StoreFailure.h"
+#include "Threads.h"
 
 namespace tool {
 namespace {
@@ -25,6 +25,17 @@ cfgstore::SaveResult saveTo(cfgstore::ConfigStore& store, const std::string& tar
   const HeldSignals signals;
   return asFailure(
       [&] { return store.save(target, cfgstore::Backup::keep, permissionsAt(store, target, permissions)); });
+}
+
+EarlySave::EarlySave(cfgstore::ConfigStore& store, const std::string& target, unsigned permissions) {
+  store.pieces();  // what is to be written is put together here, and not in two threads at once
+  m_ahead = cfgstore::doBeside(store.textAsRead().size(), [&store, target, permissions] {
+    return std::make_unique<cfgstore::SaveAhead>(store, target, permissionsAt(store, target, permissions));
+  });
+}
+
+cfgstore::SaveResult EarlySave::finish() {
+  return asFailure([this] { return m_ahead.get()->finish(cfgstore::Backup::keep); });
 }
 
 bool wouldSave(const cfgstore::ConfigStore& store, const std::string& target, unsigned permissions) {

@@ -3,10 +3,14 @@
 #ifndef CFGMIG_TOOL_SAVING_H
 #define CFGMIG_TOOL_SAVING_H
 
+#include <future>
+#include <memory>
 #include <string>
 
 #include "Commands.h"
 #include "ConfigStore.h"
+#include "HeldSignals.h"
+#include "SaveAhead.h"
 
 namespace tool {
 
@@ -18,6 +22,21 @@ inline constexpr unsigned kAnyPermissions = 07777;
 // Throws Failure: blocked, failed or notUndone.
 cfgstore::SaveResult saveTo(cfgstore::ConfigStore& store, const std::string& target,
                             unsigned permissions = kAnyPermissions);
+
+// saveTo in two steps: of a large configuration, the new file is made beside other work, and put in place when that has
+// come out well. It goes again with this object unless it was put in place. The store must not be written to meanwhile.
+// A wish of the user to stop waits as long as this object lives, so that nothing is left behind.
+class EarlySave {
+ public:
+  EarlySave(cfgstore::ConfigStore& store, const std::string& target, unsigned permissions = kAnyPermissions);
+
+  // What saveTo returns and throws. To be called once.
+  cfgstore::SaveResult finish();
+
+ private:
+  HeldSignals m_signals;
+  std::future<std::unique_ptr<cfgstore::SaveAhead>> m_ahead;
+};
 
 // Whether saveTo would write anything. Throws what it would throw, but for what only writing shows. Writes nothing.
 bool wouldSave(const cfgstore::ConfigStore& store, const std::string& target, unsigned permissions = kAnyPermissions);

@@ -9,6 +9,7 @@ add_executable(cfgstore_saving_tests
     LeftoverTest.cpp
     PipeTest.cpp
     RefusedSaveTest.cpp
+    SaveAheadTest.cpp
     SaveTest.cpp
     SavedAttributesTest.cpp
     TestAttributes.cpp

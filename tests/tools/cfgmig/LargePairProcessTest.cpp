@@ -2,7 +2,10 @@
 // each entry is merged, compared and told of; without it, nobody can tell from the output that most were only counted.
 
 #include <gmock/gmock.h>
+#include <signal.h>
 
+#include <chrono>
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -114,6 +117,33 @@ TEST_F(LargePair, TellsOfAChangeInAnEntryThatWasTheSame) {
                                     "--result", m_files.path("a.ldif")});
   EXPECT_EQ(audit.status, 1);
   EXPECT_THAT(audit.out, HasSubstr("CN=A 3003,CN=CONFIGURATION, zor-two: "));
+}
+
+// Its new file is made beside other work. When it is stopped meanwhile, all is done and told, or nothing is left of it.
+TEST_F(LargePair, LeavesNothingHalfDoneWhenItIsStopped) {
+  const std::string before = m_files.read("new.ldif");
+  int stopped = 0;
+  for (int run = 0; run < 10; ++run) {
+    ToolProcess tool(ToolSetup{pair("apply")});
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+    while (!std::filesystem::exists(m_files.path(".new.ldif.cfgmig-new")) && std::chrono::steady_clock::now() < end) {
+    }
+    ::kill(tool.id(), SIGTERM);
+    const ToolResult result = tool.wait();
+    EXPECT_EQ(result.status, 128 + SIGTERM) << result.err;
+    const auto names = m_files.names();
+    if (m_files.read("new.ldif") == before) {
+      ++stopped;
+      EXPECT_THAT(names, testing::ElementsAre("new.ldif", "old.ldif"));
+    } else {
+      EXPECT_EQ(names.size(), 3U) << testing::PrintToString(names);
+      EXPECT_THAT(result.out, HasSubstr("Applied"));
+      m_files.write("new.ldif", before);
+      for (const std::string& backup : m_files.namesAfter("new.ldif")) std::filesystem::remove(m_files.path(backup));
+    }
+    if (HasFailure()) return;
+  }
+  EXPECT_GT(stopped, 0);
 }
 
 TEST_F(LargePair, NamesWhatIsWrongWithTheOldOneFirst) {

@@ -48,6 +48,7 @@ std::unique_ptr<Migration> replayOf(const Migration& migration, const UndoRecord
   try {
     auto replay = std::make_unique<Migration>(std::move(request));
     replay->merge(warnings);
+    replay->account();
     return wouldSave(replay->newStore(), replay->request().target) ? nullptr : std::move(replay);
   } catch (const Failure&) {
     return nullptr;  // whatever stands in the way, there is nothing to be done

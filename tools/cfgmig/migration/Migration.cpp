@@ -9,14 +9,12 @@
 #include <span>
 
 #include "Configuration.h"
-#include "EqualEntries.h"
 #include "Failure.h"
 #include "PrintableText.h"
 #include "SettledEntries.h"
 #include "SourceVersion.h"
 #include "Threads.h"
 #include "TracedMethod.h"
-#include "ledger/LedgerBuilder.h"
 
 namespace tool {
 namespace {
@@ -42,7 +40,7 @@ std::string timeNow() {
 
 Migration::Migration(MigrationRequest request) : m_request(std::move(request)) {
   std::vector<std::string> problems;
-  OpenPair opened = openConfigurations(m_request.oldPath, m_request.newPath, problems);
+  OpenPair opened = openConfigurations(m_request.oldPath, m_request.newPath, problems, Learns::habits);
   m_old = std::move(opened.old);
   m_new = std::move(opened.now);
   if (!problems.empty()) throw Failure(ExitStatus::failed, problems);
@@ -83,10 +81,7 @@ std::vector<std::string> Migration::staleInputs() const {
 
 void Migration::merge(std::vector<std::string>& warnings) {
   // A trace tells of every entry; without one, nobody sees whether equal entries were merged.
-  if (m_request.traceFile.empty()) {
-    cfgstore::learnHabits(newStore());
-    setSettledEntriesAside(oldStore(), newStore());
-  }
+  if (m_request.traceFile.empty()) setSettledEntriesAside(oldStore(), newStore());
   readInventory(*m_old);
   const SourceVersion source = sourceVersionOf(*m_old->getCfgUtils(), m_request.oldPath, m_request.version);
   warnings.insert(warnings.end(), source.warnings.begin(), source.warnings.end());
@@ -94,7 +89,7 @@ void Migration::merge(std::vector<std::string>& warnings) {
   m_recognisedFrom = source.from;
   readInventory(*m_new);
 
-  LedgerBuilder builder(*m_old, *m_new, source.version);
+  LedgerBuilder& builder = m_builder.emplace(*m_old, *m_new, source.version);
   // They may have been made already, to see whether a plan is stale.
   const bool areMade = m_inputs.wait_for(std::chrono::seconds(0)) == std::future_status::ready;
   if (m_wantsFingerprints && !areMade) m_inputs = inputsHashed(true);
@@ -110,7 +105,11 @@ void Migration::merge(std::vector<std::string>& warnings) {
     m_schemas->refuseToReplace(notToReplace);
   }
   if (m_check) m_check->begin();
-  m_ledger = builder.finish();
+}
+
+void Migration::account() {
+  m_ledger = m_builder->finish();
+  m_builder.reset();
   auto findings = cfgstore::doBeside(newStore().textAsRead().size(), [this] {
     return findAll(*m_ledger, {[this](const std::string& path) { return fileWillExist(path); }});
   });

@@ -14,13 +14,14 @@
 #include "Configuration.h"
 #include "SchemaCopies.h"
 #include "ledger/Ledger.h"
+#include "ledger/LedgerBuilder.h"
 #include "migration/MigrationRequest.h"
 #include "migration/SelfCheck.h"
 #include "report/Report.h"
 
 namespace tool {
 
-// Used in this order: made, merge, report.
+// Used in this order: made, merge, account, report.
 class Migration {
  public:
   // Opens both configurations, and tells all that is wrong with them in one Failure.
@@ -45,8 +46,11 @@ class Migration {
   std::vector<std::string> faultsOfResult();
 
   // Merges in memory. Lines that warn go to `warnings`. The schema files that the request names directories for are
-  // staged. Throws Failure, also when the account of the values does not add up.
+  // staged. Throws Failure. From then on nothing changes in the new configuration.
   void merge(std::vector<std::string>& warnings);
+
+  // Accounts for every value. Throws Failure when that does not add up; nothing must then be put in place.
+  void account();
 
   cfgstore::ConfigStore& oldStore() const { return storeOf(*m_old); }
   cfgstore::ConfigStore& newStore() const { return storeOf(*m_new); }
@@ -74,6 +78,7 @@ class Migration {
   std::string m_sourceVersion;
   std::string m_recognisedFrom;
   std::optional<SchemaCopies> m_schemas;
+  std::optional<LedgerBuilder> m_builder;  // from merge to account
   std::shared_ptr<Ledger> m_ledger;
   std::vector<Finding> m_findings;
   std::optional<EarlySelfCheck> m_check;  // behind all that it looks at
