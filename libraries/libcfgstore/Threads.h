@@ -6,6 +6,7 @@
 #include <csignal>
 #include <cstdint>
 #include <future>
+#include <system_error>
 #include <utility>
 
 namespace cfgstore {
@@ -27,13 +28,18 @@ class NoSignalsInThreads {
 };
 
 // Does `work`, which goes through so many bytes, in a thread of its own, if that takes far longer than starting one
-// does; otherwise when its result is asked for. What `work` throws comes with its result.
+// does and the system has one to give; otherwise when its result is asked for. What `work` throws comes with its
+// result.
 template <class Work>
 auto doBeside(std::uint64_t bytes, Work work) {
   constexpr std::uint64_t kWorthAThread = std::uint64_t{1} << 20;
   if (bytes < kWorthAThread) return std::async(std::launch::deferred, std::move(work));
-  const NoSignalsInThreads noSignals;
-  return std::async(std::launch::async, std::move(work));
+  try {
+    const NoSignalsInThreads noSignals;
+    return std::async(std::launch::async, work);
+  } catch (const std::system_error&) {
+    return std::async(std::launch::deferred, std::move(work));
+  }
 }
 
 }  // namespace cfgstore

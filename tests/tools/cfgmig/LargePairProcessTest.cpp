@@ -3,6 +3,7 @@
 
 #include <gmock/gmock.h>
 #include <signal.h>
+#include <sys/resource.h>
 
 #include <chrono>
 #include <filesystem>
@@ -144,6 +145,15 @@ TEST_F(LargePair, LeavesNothingHalfDoneWhenItIsStopped) {
     if (HasFailure()) return;
   }
   EXPECT_GT(stopped, 0);
+}
+
+TEST_F(LargePair, IsMergedWithoutThreadsWhereThereAreNone) {
+  const std::string plan = run(pair("plan"));
+  ToolSetup setup{pair("plan")};
+  setup.limits = {{RLIMIT_STACK, 1UL << 46U}};  // of each thread: more than there are addresses
+  const ToolResult result = runTool(setup);
+  EXPECT_EQ(result.status, 0) << result.err;
+  EXPECT_EQ(result.out, plan);
 }
 
 TEST_F(LargePair, NamesWhatIsWrongWithTheOldOneFirst) {
