@@ -10,7 +10,8 @@
 namespace tool {
 namespace {
 
-constexpr std::uint64_t kLarge = std::uint64_t{8} << 20;
+// Less gains nothing, and large pages that are used in part would be a good part of its memory.
+constexpr std::uint64_t kLarge = std::uint64_t{32} << 20;
 
 // The allocator takes all from the heap that finds room there, texts and large tables as well.
 constexpr std::uint64_t kTimesTheFiles = 3;

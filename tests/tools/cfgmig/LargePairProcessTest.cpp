@@ -4,8 +4,8 @@
 #include <gmock/gmock.h>
 #include <signal.h>
 #include <sys/resource.h>
+#include <sys/wait.h>
 
-#include <chrono>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -34,6 +34,12 @@ std::string configuration(bool isOld, const std::string& besides = "") {
     text += "\n";
   }
   return text;
+}
+
+bool hasEnded(const ToolProcess& tool) {
+  siginfo_t info{};
+  ::waitid(P_PID, static_cast<id_t>(tool.id()), &info, WEXITED | WNOHANG | WNOWAIT);
+  return info.si_pid != 0;
 }
 
 class LargePair : public testing::Test {
@@ -88,7 +94,7 @@ TEST_F(LargePair, IsAppliedAsEntryByEntryAndAudited) {
 // Configurations of many megabytes are not given back piece by piece at the end.
 TEST_F(LargePair, IsMergedTheSameWithManyMegabytesBesides) {
   std::string besides = "dn: cn=Large,cn=Configuration\nobjectClass: top\ncn: Large\n";
-  for (char value = 'a'; value < 'k'; ++value) besides += "zor-large: " + std::string(1 << 20, value) + "\n";
+  for (char value = 'a'; value < 's'; ++value) besides += "zor-large: " + std::string(1 << 20, value) + "\n";
   besides += "\n";
   auto words = pair("apply");
   words.insert(words.end(), {"-o", m_files.path("a.ldif")});
@@ -99,7 +105,7 @@ TEST_F(LargePair, IsMergedTheSameWithManyMegabytesBesides) {
   m_files.write("new.ldif", configuration(false, besides));
   EXPECT_EQ(run(pair("compare")), difference);
   words.back() = m_files.path("b.ldif");
-  EXPECT_THAT(run(words), HasSubstr("19415 values: 18015 same, 1400 carried"));
+  EXPECT_THAT(run(words), HasSubstr("19423 values: 18023 same, 1400 carried"));
   std::string result = m_files.read("b.ldif");
   const std::size_t at = result.find(besides);
   ASSERT_NE(at, std::string::npos);
@@ -124,14 +130,13 @@ TEST_F(LargePair, TellsOfAChangeInAnEntryThatWasTheSame) {
 TEST_F(LargePair, LeavesNothingHalfDoneWhenItIsStopped) {
   const std::string before = m_files.read("new.ldif");
   int stopped = 0;
-  for (int run = 0; run < 10; ++run) {
+  for (int run = 0; run < 100 && stopped < 3; ++run) {
     ToolProcess tool(ToolSetup{pair("apply")});
-    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-    while (!std::filesystem::exists(m_files.path(".new.ldif.cfgmig-new")) && std::chrono::steady_clock::now() < end) {
+    while (!std::filesystem::exists(m_files.path(".new.ldif.cfgmig-new")) && !hasEnded(tool)) {
     }
     ::kill(tool.id(), SIGTERM);
     const ToolResult result = tool.wait();
-    EXPECT_EQ(result.status, 128 + SIGTERM) << result.err;
+    EXPECT_THAT(result.status, testing::AnyOf(128 + SIGTERM, 0)) << result.err;
     const auto names = m_files.names();
     if (m_files.read("new.ldif") == before) {
       ++stopped;
