@@ -50,6 +50,7 @@ class AtomicFile {
   // All but to put the new file in place. It goes with this object unless that was done, and so does the lock.
   void prepare(std::span<const std::string_view> pieces, std::time_t now, mode_t permissions);
   SavedFile finish(Backup backup, std::time_t now);
+  const std::string& recoveredPath() const { return m_saved.result.recoveredPath; }  // in between
 
   // Whether a save would write anything. Throws SaveError as that would, but for what only writing can show. Changes
   // nothing.

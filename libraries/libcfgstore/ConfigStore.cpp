@@ -117,6 +117,8 @@ SaveAhead::SaveAhead(ConfigStore& store, const std::string& target, unsigned per
 
 SaveAhead::~SaveAhead() = default;
 
+const std::string& SaveAhead::recoveredPath() const { return m_state->file.recoveredPath(); }
+
 SaveResult SaveAhead::finish(Backup backup) {
   SavedFile saved = m_state->file.finish(backup, std::time(nullptr));
   if (saved.isSource) {

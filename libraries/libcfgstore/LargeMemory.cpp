@@ -6,14 +6,15 @@
 
 namespace cfgstore {
 
-void askForLargePages(const void* memory, std::size_t bytes) noexcept {
+void askForLargePages(void* memory, std::size_t bytes) noexcept {
   constexpr std::uintptr_t kLargePage = std::uintptr_t{2} << 20;
   constexpr std::size_t kWorthIt = 4 * kLargePage;
   if (bytes < kWorthIt) return;
-  const auto begin = (reinterpret_cast<std::uintptr_t>(memory) + kLargePage - 1) & ~(kLargePage - 1);
-  const auto end = (reinterpret_cast<std::uintptr_t>(memory) + bytes) & ~(kLargePage - 1);
+  const auto address = reinterpret_cast<std::uintptr_t>(memory);
+  const std::uintptr_t begin = (address + kLargePage - 1) & ~(kLargePage - 1);
+  const std::uintptr_t end = (address + bytes) & ~(kLargePage - 1);
   const int before = errno;
-  ::madvise(reinterpret_cast<void*>(begin), end - begin, MADV_HUGEPAGE);
+  ::madvise(static_cast<char*>(memory) + (begin - address), end - begin, MADV_HUGEPAGE);
   errno = before;
 }
 

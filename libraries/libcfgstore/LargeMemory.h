@@ -14,7 +14,7 @@ namespace cfgstore {
 
 // Asks for large pages for memory that has not been touched yet. It changes nothing that can be seen but the time, and
 // nothing at all where the memory is small or the system has no such pages. errno stays.
-void askForLargePages(const void* memory, std::size_t bytes) noexcept;
+void askForLargePages(void* memory, std::size_t bytes) noexcept;
 
 // Makes room in a vector that is empty, for elements that are all going to be used.
 template <class Vector>

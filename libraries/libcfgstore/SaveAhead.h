@@ -21,6 +21,9 @@ class SaveAhead {
   SaveAhead(const SaveAhead&) = delete;
   SaveAhead& operator=(const SaveAhead&) = delete;
 
+  // That of SaveResult; known from the beginning.
+  const std::string& recoveredPath() const;
+
   // Puts the file in place. To be called once. Throws what save throws.
   SaveResult finish(Backup backup);
 

@@ -145,7 +145,10 @@ std::string TargetFile::clearLeftovers(std::time_t now) {
 
 struct stat TargetFile::unchangedStatus() const {
   struct stat now {};
-  if (m_fileSystem.lstat(m_path.c_str(), &now) != 0) throw FileError("cannot be examined", errno);
+  if (m_fileSystem.lstat(m_path.c_str(), &now) != 0) {
+    if (errno == ENOENT) throw FileInUse("was removed by another program");
+    throw FileError("cannot be examined", errno);
+  }
   const bool unchanged = isSameFile(now, m_status) && now.st_size == m_status.st_size &&
                          isSameTime(now.st_mtim, m_status.st_mtim) && now.st_mode == m_status.st_mode &&
                          now.st_uid == m_status.st_uid && now.st_gid == m_status.st_gid;

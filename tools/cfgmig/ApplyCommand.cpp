@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <future>
 #include <memory>
+#include <new>
 #include <optional>
 #include <ostream>
 #include <string>
@@ -114,17 +115,27 @@ bool afterwards(const Step& step, Console& console) {
     tellAll(failure.lines(), console);
   } catch (const std::filesystem::filesystem_error& error) {
     tellAll({ldtr::printable(error.what())}, console);
+  } catch (const std::bad_alloc&) {
+    tellAll({"not enough memory for what follows the save"}, console);
   }
   return false;
 }
 
-void tellRecovered(const cfgstore::SaveResult& saved, Console& console) {
-  if (saved.recoveredPath.empty()) return;
-  tellAll({"kept: " + ldtr::printable(saved.recoveredPath) + ", which an interrupted run had replaced"}, console);
+void tellRecovered(const std::string& path, Console& console) {
+  if (path.empty()) return;
+  tellAll({"kept: " + ldtr::printable(path) + ", which an interrupted run had replaced"}, console);
+}
+
+std::vector<std::string> faultsOfResult(Migration& migration) {
+  try {
+    return migration.faultsOfResult();
+  } catch (const std::bad_alloc&) {
+    return {"there is not enough memory for it"};
+  }
 }
 
 bool checkResult(Migration& migration, Console& console) {
-  std::vector<std::string> faults = migration.faultsOfResult();
+  std::vector<std::string> faults = faultsOfResult(migration);
   if (faults.empty()) return true;
   constexpr std::size_t kMost = 20;
   const std::size_t left = faults.size() > kMost ? faults.size() - kMost : 0;
@@ -140,7 +151,7 @@ bool checkResult(Migration& migration, Console& console) {
 // A run that was killed may have left something although it had written the result.
 void clearUp(const std::string& target, Console& console) {
   const std::unique_ptr<cfgstore::ConfigStore> store = openStore(target);
-  tellRecovered(saveTo(*store, target), console);
+  tellRecovered(saveTo(*store, target).recoveredPath, console);
 }
 
 // `early` is the save, if it was begun.
@@ -155,7 +166,7 @@ ExitStatus write(Migration& migration, unsigned permissions, EarlySave* early, c
                                          ? schemas->saveWith(migration.newStore(), request.target, permissions)
                                          : saveTo(migration.newStore(), request.target, permissions);
   if (schemas != nullptr) report.outcome.schemas = schemaFilesOf(*schemas, false);
-  tellRecovered(saved, console);
+  tellRecovered(saved.recoveredPath, console);
   bool isWell = schemas == nullptr || schemas->isComplete();
   if (saved.written) {
     report.outcome.kind = Outcome::Kind::applied;
@@ -169,8 +180,12 @@ ExitStatus write(Migration& migration, unsigned permissions, EarlySave* early, c
   }
   isWell &= report.ledger.count(ValueFate::lost) == 0;
   isWell &= afterwards([&] { saveReports(reports, report); }, console);
-  tellLosses(report, console);
-  showReport(reports, report, console);
+  isWell &= afterwards(
+      [&] {
+        tellLosses(report, console);
+        showReport(reports, report, console);
+      },
+      console);
   isWell &= missingOutputs(console).empty();
   return isWell ? ExitStatus::done : ExitStatus::lost;
 }
@@ -229,7 +244,10 @@ ExitStatus runApply(const Arguments& arguments, Console& console) {
   if (!isPreview && migration.schemas() == nullptr) early.emplace(migration.newStore(), request.target, permissions);
   migration.account();
   Report report = migration.report(reports.showSecrets);
-  if (early && HeldSignals::isOneWaiting()) early.reset();  // which lets it arrive; nothing is in place yet
+  if (early && HeldSignals::isOneWaiting()) {
+    tellRecovered(early->recoveredPath(), console);
+    early.reset();  // which lets it arrive; nothing is in place yet
+  }
   const ExitStatus status = isPreview
                                 ? preview(migration, permissions, reports, report, console)
                                 : write(migration, permissions, early ? &*early : nullptr, reports, report, console);

@@ -27,7 +27,7 @@ void makeRoomFor(std::uint64_t bytes) {
   ::mallopt(M_ARENA_MAX, 1);
   ::mallopt(M_TRIM_THRESHOLD, -1);  // never: what is given back would be asked for again
   ::mallopt(M_MMAP_MAX, 0);         // the piece has to come from the heap, and leaves its room there
-  const char* const begin = static_cast<const char*>(::sbrk(0));
+  char* const begin = static_cast<char*>(::sbrk(0));
   void* volatile const piece = std::malloc(kTimesTheFiles * bytes);  // volatile: a compiler would leave both out
   std::free(piece);
   const char* const end = static_cast<const char*>(::sbrk(0));

@@ -1,5 +1,6 @@
 #include "Saving.h"
 
+#include <chrono>
 #include <ostream>
 
 #include "Outputs.h"
@@ -30,12 +31,21 @@ cfgstore::SaveResult saveTo(cfgstore::ConfigStore& store, const std::string& tar
 EarlySave::EarlySave(cfgstore::ConfigStore& store, const std::string& target, unsigned permissions) {
   store.pieces();  // what is to be written is put together here, and not in two threads at once
   m_ahead = cfgstore::doBeside(store.textAsRead().size(), [&store, target, permissions] {
-    return std::make_unique<cfgstore::SaveAhead>(store, target, permissionsAt(store, target, permissions));
-  });
+              return std::make_unique<cfgstore::SaveAhead>(store, target, permissionsAt(store, target, permissions));
+            }).share();
 }
 
 cfgstore::SaveResult EarlySave::finish() {
   return asFailure([this] { return m_ahead.get()->finish(cfgstore::Backup::keep); });
+}
+
+std::string EarlySave::recoveredPath() const {
+  if (m_ahead.wait_for(std::chrono::seconds(0)) == std::future_status::deferred) return {};
+  try {
+    return m_ahead.get()->recoveredPath();
+  } catch (const cfgstore::SaveError&) {
+    return {};  // refused, mostly before anything was touched
+  }
 }
 
 bool wouldSave(const cfgstore::ConfigStore& store, const std::string& target, unsigned permissions) {

@@ -33,9 +33,12 @@ class EarlySave {
   // What saveTo returns and throws. To be called once.
   cfgstore::SaveResult finish();
 
+  // SaveResult::recoveredPath, of what has been done by now.
+  std::string recoveredPath() const;
+
  private:
   HeldSignals m_signals;
-  std::future<std::unique_ptr<cfgstore::SaveAhead>> m_ahead;
+  std::shared_future<std::unique_ptr<cfgstore::SaveAhead>> m_ahead;
 };
 
 // Whether saveTo would write anything. Throws what it would throw, but for what only writing shows. Writes nothing.

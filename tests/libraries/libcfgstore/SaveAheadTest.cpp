@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <memory>
 #include <string>
 
@@ -83,6 +84,19 @@ TEST_F(SavedAhead, NoticesAChangeOfTheTargetMeanwhile) {
   test::writeFile(m_path, "another's\n");
   EXPECT_THAT(refusalAtTheEnd(save), HasSubstr("is being changed by another program"));
   EXPECT_EQ(readFile(m_path), "another's\n");
+}
+
+TEST_F(SavedAhead, NoticesThatTheTargetIsGone) {
+  SaveAhead save(m_store.store(), m_path);
+  std::filesystem::remove(m_path);
+  EXPECT_EQ(refusalAtTheEnd(save), m_path + ": was removed by another program");
+  EXPECT_FALSE(std::filesystem::exists(m_path));
+}
+
+TEST_F(SavedAhead, TellsWhatAnInterruptedRunHadReplacedBeforeItEnds) {
+  test::writeFile(m_directory.file("." + m_name + ".cfgmig-old"), "older\n");
+  const SaveAhead save(m_store.store(), m_path);
+  EXPECT_EQ(readFile(save.recoveredPath()), "older\n");
 }
 
 TEST_F(SavedAhead, LetsNoSecondOneIn) {

@@ -161,6 +161,25 @@ TEST_F(LargePair, IsMergedWithoutThreadsWhereThereAreNone) {
   EXPECT_EQ(result.out, plan);
 }
 
+// Status 1 says that nothing was changed.
+TEST_F(LargePair, TellsWhetherItChangedSomethingHoweverLittleMemoryThereIs) {
+  const std::string before = m_files.read("new.ldif");
+  int changed = 0;
+  for (unsigned long limit = 16; limit <= 46; ++limit) {
+    SCOPED_TRACE(limit);
+    ToolSetup setup{pair("apply")};
+    setup.limits = {{RLIMIT_AS, limit == 46 ? RLIM_INFINITY : limit << 20U}};
+    const ToolResult result = runTool(setup);
+    const bool isChanged = m_files.read("new.ldif") != before;
+    EXPECT_THAT(result.status, isChanged ? testing::AnyOf(0, 5) : testing::AnyOf(1, 127)) << result.err;
+    if (!isChanged) continue;
+    ++changed;
+    m_files.write("new.ldif", before);
+    for (const std::string& backup : m_files.namesAfter("new.ldif")) std::filesystem::remove(m_files.path(backup));
+  }
+  EXPECT_GT(changed, 0);
+}
+
 TEST_F(LargePair, NamesWhatIsWrongWithTheOldOneFirst) {
   m_files.write("old.ldif", configuration(true) + "wrong\n");
   m_files.write("new.ldif", configuration(false) + "wrong\n");
