@@ -126,16 +126,21 @@ TEST_F(LargePair, TellsOfAChangeInAnEntryThatWasTheSame) {
   EXPECT_THAT(audit.out, HasSubstr("CN=A 3003,CN=CONFIGURATION, zor-two: "));
 }
 
+// Has an apply stopped as soon as its new file is seen; what it said.
+ToolResult applyStopped(const Workspace& files, const std::vector<std::string>& words) {
+  ToolProcess tool(ToolSetup{words});
+  while (!std::filesystem::exists(files.path(".new.ldif.cfgmig-new")) && !hasEnded(tool)) {
+  }
+  ::kill(tool.id(), SIGTERM);
+  return tool.wait();
+}
+
 // Its new file is made beside other work. When it is stopped meanwhile, all is done and told, or nothing is left of it.
 TEST_F(LargePair, LeavesNothingHalfDoneWhenItIsStopped) {
   const std::string before = m_files.read("new.ldif");
   int stopped = 0;
   for (int run = 0; run < 100 && stopped < 3; ++run) {
-    ToolProcess tool(ToolSetup{pair("apply")});
-    while (!std::filesystem::exists(m_files.path(".new.ldif.cfgmig-new")) && !hasEnded(tool)) {
-    }
-    ::kill(tool.id(), SIGTERM);
-    const ToolResult result = tool.wait();
+    const ToolResult result = applyStopped(m_files, pair("apply"));
     EXPECT_THAT(result.status, testing::AnyOf(128 + SIGTERM, 0)) << result.err;
     const auto names = m_files.names();
     if (m_files.read("new.ldif") == before) {
@@ -150,6 +155,21 @@ TEST_F(LargePair, LeavesNothingHalfDoneWhenItIsStopped) {
     if (HasFailure()) return;
   }
   EXPECT_GT(stopped, 0);
+}
+
+TEST_F(LargePair, TellsWhatItHasClearedUpEvenWhenItIsStopped) {
+  const std::string before = m_files.read("new.ldif");
+  bool isStopped = false;
+  for (int run = 0; run < 100 && !isStopped; ++run) {
+    m_files.write(".new.ldif.cfgmig-old", "what a killed run had replaced\n");
+    const ToolResult result = applyStopped(m_files, pair("apply"));
+    EXPECT_THAT(result.err, HasSubstr("kept: " + m_files.path("new.ldif.")));
+    isStopped = m_files.read("new.ldif") == before;
+    m_files.write("new.ldif", before);
+    for (const std::string& backup : m_files.namesAfter("new.ldif")) std::filesystem::remove(m_files.path(backup));
+    if (HasFailure()) return;
+  }
+  EXPECT_TRUE(isStopped);
 }
 
 TEST_F(LargePair, IsMergedWithoutThreadsWhereThereAreNone) {
