@@ -63,6 +63,12 @@ class LargePair : public testing::Test {
     return {command, "--old", m_files.path("old.ldif"), "--new", m_files.path("new.ldif")};
   }
 
+  // As if no apply had run.
+  void putBack(const std::string& before) const {
+    m_files.write("new.ldif", before);
+    for (const std::string& backup : m_files.namesAfter("new.ldif")) std::filesystem::remove(m_files.path(backup));
+  }
+
   const Workspace m_files;
 };
 
@@ -149,8 +155,7 @@ TEST_F(LargePair, LeavesNothingHalfDoneWhenItIsStopped) {
     } else {
       EXPECT_EQ(names.size(), 3U) << testing::PrintToString(names);
       EXPECT_THAT(result.out, HasSubstr("Applied"));
-      m_files.write("new.ldif", before);
-      for (const std::string& backup : m_files.namesAfter("new.ldif")) std::filesystem::remove(m_files.path(backup));
+      putBack(before);
     }
     if (HasFailure()) return;
   }
@@ -165,8 +170,7 @@ TEST_F(LargePair, TellsWhatItHasClearedUpEvenWhenItIsStopped) {
     const ToolResult result = applyStopped(m_files, pair("apply"));
     EXPECT_THAT(result.err, HasSubstr("kept: " + m_files.path("new.ldif.")));
     isStopped = m_files.read("new.ldif") == before;
-    m_files.write("new.ldif", before);
-    for (const std::string& backup : m_files.namesAfter("new.ldif")) std::filesystem::remove(m_files.path(backup));
+    putBack(before);
     if (HasFailure()) return;
   }
   EXPECT_TRUE(isStopped);
@@ -194,8 +198,7 @@ TEST_F(LargePair, TellsWhetherItChangedSomethingHoweverLittleMemoryThereIs) {
     EXPECT_EQ(result.status == 0 || result.status == 5, isChanged) << result.status << result.err;
     if (!isChanged) continue;
     ++changed;
-    m_files.write("new.ldif", before);
-    for (const std::string& backup : m_files.namesAfter("new.ldif")) std::filesystem::remove(m_files.path(backup));
+    putBack(before);
   }
   EXPECT_GT(changed, 0);
 }

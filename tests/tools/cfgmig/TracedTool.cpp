@@ -120,13 +120,7 @@ int TracedTool::runWith(const SystemCall& call, const std::string& what) {
   return wait();
 }
 
-void TracedTool::startDelaying(const std::string& calls, int seconds) {
+void TracedTool::startDelaying(const std::string& calls, int seconds, const std::string& which) {
   start({"-o", "/dev/null", "-e", "trace=" + calls, "-e",
-         "inject=" + calls + ":delay_enter=" + std::to_string(seconds * 1000000)});
-}
-
-void TracedTool::startDelaying(const SystemCall& call, int seconds) {
-  start({"-o", "/dev/null", "-e", "trace=" + call.name, "-e",
-         "inject=" + call.name + ":delay_enter=" + std::to_string(seconds * 1000000) +
-             ":when=" + std::to_string(call.number)});
+         "inject=" + calls + ":delay_enter=" + std::to_string(seconds * 1000000) + which});
 }
