@@ -4,7 +4,9 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/file.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <cstdlib>
 #include <ctime>
@@ -450,6 +452,29 @@ TEST_F(AtomicFileFault, NamesNoProcessWhenTheSystemTellsNoneThatHoldsTheFile) {
   EXPECT_FALSE(save(files, Backup::none));
   EXPECT_EQ(m_error, m_target + ": another program is writing this file");
   EXPECT_EQ(readFile(m_target), kOld);
+}
+
+TEST_F(AtomicFileFault, WaitsForOthersWhoLookForAnInstant) {
+  // Somebody who looks is done before the third try.
+  class Looking : public FaultyFileSystem {
+   public:
+    explicit Looking(const std::string& path) : m_looker(::open(path.c_str(), O_RDONLY | O_CLOEXEC)) {
+      EXPECT_EQ(::flock(m_looker, LOCK_SH | LOCK_NB), 0);
+    }
+    int flock(int file, int operation) override {
+      if (++m_tries == 3) ::close(m_looker);
+      return FaultyFileSystem::flock(file, operation);
+    }
+    int tries() const { return m_tries; }
+
+   private:
+    int m_looker;
+    int m_tries = 0;
+  };
+  prepare(Target::source);
+  Looking files(m_target);
+  EXPECT_TRUE(save(files, Backup::none)) << m_error;
+  EXPECT_GE(files.tries(), 3);
 }
 
 // Between the making of the new file and its lock another program may take it for a leftover: it is the other's then.

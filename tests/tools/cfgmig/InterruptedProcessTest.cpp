@@ -158,7 +158,7 @@ TEST_F(InterruptedApply, IsNotStoppedByASignalBeforeItHasToldWhatItDid) {
 TEST_F(InterruptedApply, TellsASecondOneWhoIsAtWork) {
   prepare();
   m_tool.startDelaying("?rename,?renameat,?renameat2", 3);
-  for (int i = 0; i < 200 && !fs::exists(m_files.path(".new.ldif.cfgmig-old")); ++i) {
+  for (int i = 0; i < 3000 && !fs::exists(m_files.path(".new.ldif.cfgmig-old")); ++i) {
     std::this_thread::sleep_for(std::chrono::milliseconds(10));
   }
   const auto second =
@@ -189,8 +189,8 @@ TEST_F(InterruptedApply, TellsOfAResultThatIsNotWhatItWrote) {
   for (const auto& each : cases) {
     SCOPED_TRACE(each.told);
     prepare();
-    m_tool.startDelaying(*sync, 1);
-    for (int i = 0; i < 500 && m_files.read("new.ldif") != m_result; ++i) {
+    m_tool.startDelaying(*sync, 2);
+    for (int i = 0; i < 3000 && m_files.read("new.ldif") != m_result; ++i) {
       std::this_thread::sleep_for(std::chrono::milliseconds(10));
     }
     m_files.write("new.ldif", each.content, 0640);

@@ -95,9 +95,9 @@ void expectCheap(const Pair& pair) {
     return [both = open()] { EXPECT_THAT(sumErrors(tool::migrate(both->old, both->now, "5.2")), IsEmpty()); };
   });
   // An optimized build takes about two and a half times as long; without optimization, and watched by a sanitizer, the
-  // ledger's own code is slower against the merge's. What this is to find is a cost that grows faster.
-
-  EXPECT_LT(withLedger, plain * 5 + 0.05) << "the plain merge took " << plain << " s";
+  // ledger's own code is slower against the merge's, and on a virtual machine memory that nobody had for a while may
+  // take longer than both. What this is to find is a cost that grows faster, which would be seconds here.
+  EXPECT_LT(withLedger, plain * 10 + 1) << "the plain merge took " << plain << " s";
 }
 
 TEST(LargeLedger, OfManyEntriesCostsNotMuchMoreThanThePlainMerge) { expectCheap(manyEntries(kMany)); }
