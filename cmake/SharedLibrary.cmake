@@ -10,6 +10,11 @@ function(cfgmig_shared_library name)
   string(REGEX REPLACE "([^\n]+)\n" "    \"\\1\";\n" symbols "${symbols}")
   file(CONFIGURE OUTPUT "${script}" CONTENT "{\n  global: extern \"C++\" {\n@symbols@  };\n  local: *;\n};\n" @ONLY)
 
+  # A third of the time that the compiler takes, so only where the binary interface is read from it.
+  if(CFGMIG_DEBUG_INFORMATION)
+    target_compile_options(${library_OBJECTS} PRIVATE -g)
+  endif()
+
   add_library(${name} SHARED $<TARGET_OBJECTS:${library_OBJECTS}>)
   set_target_properties(${name} PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${CFGMIG_SOVERSION}
                                            LINK_DEPENDS "${script}")

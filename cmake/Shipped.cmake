@@ -30,10 +30,6 @@ endif()
 target_compile_options(cfgmig_shipped INTERFACE
     "$<$<NOT:$<CONFIG:Debug>>:-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.;-ffile-prefix-map=${PROJECT_BINARY_DIR}=./build>")
 
-if(CFGMIG_DEBUG_INFORMATION)
-  target_compile_options(cfgmig_shipped INTERFACE -g)
-endif()
-
 # Programs find the libraries in the build tree by a path from their own place on, so that it does not matter where that
 # is; an installed one likewise, unless the libraries are where the system looks for them anyway.
 set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)

@@ -29,7 +29,7 @@ void putOldSchemas(fake::Content& store) {
             {{"objectclass", {"zor-slapdRdbmBackend", "top"}}, {"cn", {"CHANGE LOG"}}, {"zor-slapdDbName", {"cldb"}}});
 }
 
-void putOld(fake::Content& store) {
+void putOld51(fake::Content& store) {
   store.put("cn=Configuration", {{"objectclass", {"zor-slapdConfigEntry", "zor-slapdTop", "top"}},
                                  {"cn", {"Configuration"}},
                                  {"zor-slapdVersion", {"5.1"}},
@@ -53,7 +53,7 @@ void putOld(fake::Content& store) {
             {{"objectclass", {"a", "b", "c", "d"}}, {"cn", {"Four Classes"}}, {"member", {"x", "y"}}});
 }
 
-void putNew(fake::Content& store) {
+void putNew51(fake::Content& store) {
   store.put("CN=CONFIGURATION", {{"objectClass", {"zor-slapdConfigEntry", "top"}},
                                  {"cn", {"CONFIGURATION"}},
                                  {"zor-slapdVersion", {"6.4"}},
@@ -83,25 +83,25 @@ void putNew(fake::Content& store) {
 }  // namespace
 
 void putSmallReplica51(fake::Content& oldStore, fake::Content& newStore) {
-  putOld(oldStore);
+  putOld51(oldStore);
   oldStore.put(kOldMaster, {{"objectclass", {"zor-slapdReplication", "top"}},
                             {"cn", {"Master Server"}},
                             {"zor-slapdMasterDN", {"cn=master"}},
                             {"zor-slapdMasterPW", {"secret"}},
                             {"zor-slapdMasterReferral", {"ldap://master"}}});
-  putNew(newStore);
+  putNew51(newStore);
 }
 
 void putSmallPeer51(fake::Content& oldStore, fake::Content& newStore) {
-  putOld(oldStore);
+  putOld51(oldStore);
   oldStore.put(kOldMaster, {{"objectclass", {"zor-slapdReplication", "top"}},
                             {"cn", {"Master Server"}},
                             {"zor-slapdPeerDN", {"cn=peer"}},
                             {"zor-slapdPeerPW", {"secret"}}});
-  putNew(newStore);
+  putNew51(newStore);
 }
 
 void putSmallMaster51(fake::Content& oldStore, fake::Content& newStore) {
-  putOld(oldStore);
-  putNew(newStore);
+  putOld51(oldStore);
+  putNew51(newStore);
 }

@@ -4,7 +4,7 @@
 
 namespace {
 
-void putOld(fake::Content& store) {
+void putOld52(fake::Content& store) {
   store.put("cn=Configuration", {{"objectclass", {"zor-slapdConfigEntry", "zor-slapdTop", "top"}},
                                  {"cn", {"Configuration"}},
                                  {"zor-slapdVersion", {"5.2"}},
@@ -29,7 +29,7 @@ void putOld(fake::Content& store) {
             {{"objectclass", {"a", "b", "c", "d"}}, {"cn", {"Four Classes"}}, {"member", {"x", "y"}}});
 }
 
-void putNew(fake::Content& store) {
+void putNew52(fake::Content& store) {
   store.put("CN=CONFIGURATION", {{"objectClass", {"zor-slapdConfigEntry", "top"}},
                                  {"cn", {"CONFIGURATION"}},
                                  {"zor-slapdVersion", {"6.4"}},
@@ -47,6 +47,6 @@ void putNew(fake::Content& store) {
 }  // namespace
 
 void putSmallPair52(fake::Content& oldStore, fake::Content& newStore) {
-  putOld(oldStore);
-  putNew(newStore);
+  putOld52(oldStore);
+  putNew52(newStore);
 }

@@ -75,7 +75,7 @@ void forEveryCharacter(Check check) {
   const auto step = [](std::uint32_t number) {
     return number < 0x32400 || (number >= 0xe0000 && number < 0xe1000) ? 1U : 0x80U;
   };
-  for (std::uint32_t number = 0; number <= 0x10ffff && !testing::Test::HasFailure(); number += step(number)) {
+  for (std::uint32_t number = 0; number <= 0x10ffff && !::testing::Test::HasFailure(); number += step(number)) {
     if (isCodePoint(number)) check(static_cast<CodePoint>(number));
   }
 }

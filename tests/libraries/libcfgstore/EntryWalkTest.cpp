@@ -16,7 +16,7 @@ using test::TestStore;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-const char* const kText = "dn: CN=A\n# c\nb: 1\na: 1\nB: 2\nc;x: 1\n\ndn: CN=EMPTY\n";
+const char* const kWalked = "dn: CN=A\n# c\nb: 1\na: 1\nB: 2\nc;x: 1\n\ndn: CN=EMPTY\n";
 
 class EntryWalk : public testing::Test {
  protected:
@@ -42,7 +42,7 @@ class EntryWalk : public testing::Test {
     return names;
   }
 
-  std::unique_ptr<TestStore> m_store = std::make_unique<TestStore>(kText);
+  std::unique_ptr<TestStore> m_store = std::make_unique<TestStore>(kWalked);
   _CFGMessage* m_entry = nullptr;
   _CFGMessage** m_cursor = nullptr;
   char* m_name = nullptr;

@@ -21,7 +21,7 @@ struct BadFile {
   const char* problem;
 };
 
-const std::string kZero(1, '\0');
+const std::string kZeroByte(1, '\0');
 
 const BadFile kBadFiles[] = {
     {"no colon", "dn: CN=A\na: 1\nnonsense\n", "3: no colon on this line; expected \"attribute: value\""},
@@ -53,10 +53,11 @@ const BadFile kBadFiles[] = {
      "1: bad base64 in a value of \"dn\"; expected whole groups of four characters"},
     {"a zero byte in base64", "dn: CN=A\nkey:: YQBi\n",
      "2: a value of \"key\" holds a zero byte, which no setting can"},
-    {"a zero byte", "dn: CN=A\na: x" + kZero + "y\n", "2: a zero byte; expected a text file"},
-    {"a zero byte in a continuation", "dn: CN=A\na: x\n y\n z" + kZero + "\n", "4: a zero byte; expected a text file"},
-    {"a zero byte in a comment", "# x" + kZero + "\ndn: CN=A\n", "1: a zero byte; expected a text file"},
-    {"a zero byte in a dn line", "dn: CN=A" + kZero + "\na: 1\n", "1: a zero byte; expected a text file"},
+    {"a zero byte", "dn: CN=A\na: x" + kZeroByte + "y\n", "2: a zero byte; expected a text file"},
+    {"a zero byte in a continuation", "dn: CN=A\na: x\n y\n z" + kZeroByte + "\n",
+     "4: a zero byte; expected a text file"},
+    {"a zero byte in a comment", "# x" + kZeroByte + "\ndn: CN=A\n", "1: a zero byte; expected a text file"},
+    {"a zero byte in a dn line", "dn: CN=A" + kZeroByte + "\na: 1\n", "1: a zero byte; expected a text file"},
     {"a binary file",
      std::string("\x7F"
                  "ELF\x02\x01\x01") +
@@ -120,7 +121,7 @@ TEST(LdifProblems, ReportsAllThatIsWrongInOneRun) {
 }
 
 TEST(LdifProblems, ReportsInTheOrderOfTheLinesAlsoWithinOneFoldedLine) {
-  EXPECT_THAT(problemsOf("dn: CN=A\ndn: CN=B\n " + kZero + "\n"),
+  EXPECT_THAT(problemsOf("dn: CN=A\ndn: CN=B\n " + kZeroByte + "\n"),
               ElementsAre("2: \"dn:\" in the middle of an entry; expected a blank line before it",
                           "3: a zero byte; expected a text file"));
 }

@@ -28,7 +28,7 @@ const std::string kGood =
     "objectClass: top\ncn: Front End\n";
 const std::string kWarned = kGood + "zor-slapdSetenv: A=1\nzor-slapdSetenv: A=1\n";
 
-std::vector<std::string> linesOf(const std::string& text) {
+std::vector<std::string> linesIn(const std::string& text) {
   std::istringstream stream(text);
   std::vector<std::string> lines;
   for (std::string line; std::getline(stream, line);) lines.push_back(line);
@@ -59,7 +59,7 @@ TEST_F(Check, TellsAllErrorsInOneRunInTheOrderOfTheLines) {
       "dn: cn=configuration\ncn: configuration\nno colon\nzor-a:: %%%\n\ncn: no dn\n\ndn: cn=configuration\n"
       "cn: again\n\ndn: not a dn\ncn: x\nzor-b:< file:///etc/passwd\n");
   EXPECT_EQ(result.status, 1);
-  const auto lines = linesOf(result.out);
+  const auto lines = linesIn(result.out);
   std::vector<std::string> errors;
   std::copy_if(lines.begin(), lines.end(), std::back_inserter(errors),
                [](const std::string& line) { return line.find(": error: ") != std::string::npos; });
@@ -75,14 +75,14 @@ TEST_F(Check, TellsMoreErrorsThanAnybodyWantsToSee) {
   for (int i = 0; i < 500; ++i) content += "no colon\n";
   const auto result = check(content);
   EXPECT_EQ(result.status, 1);
-  EXPECT_THAT(linesOf(result.out), SizeIs(500));
+  EXPECT_THAT(linesIn(result.out), SizeIs(500));
   EXPECT_THAT(result.err, HasSubstr(": 500 errors, 0 warnings; "));
 }
 
 TEST_F(Check, WarnsOfWhatIsLegalAndSuspicious) {
   const auto result = check(kWarned);
   EXPECT_EQ(result.status, 0);
-  EXPECT_THAT(linesOf(result.out),
+  EXPECT_THAT(linesIn(result.out),
               ElementsAre(testing::AllOf(StartsWith(file() + ":11: warning: "), EndsWith(" [duplicate-value]"))));
   EXPECT_THAT(result.err, HasSubstr(": 0 errors, 1 warning; 2 entries, 6 values\n"));
 }
@@ -96,12 +96,12 @@ TEST_F(Check, ShowsAHundredWarningsOfAKindAndAllWhenAsked) {
   std::string content = kGood;
   for (int i = 0; i < 150; ++i) content += "zor-slapdSetenv: A=1\n";
   const auto some = check(content);
-  EXPECT_THAT(linesOf(some.out), SizeIs(100));
+  EXPECT_THAT(linesIn(some.out), SizeIs(100));
   EXPECT_THAT(some.err,
               StartsWith("cfgmig: " + file() + ": warnings that are not shown: 49 of duplicate-value; --all "));
   EXPECT_THAT(some.err, HasSubstr(": 0 errors, 149 warnings; "));
   const auto all = check(content, {"--all"});
-  EXPECT_THAT(linesOf(all.out), SizeIs(149));
+  EXPECT_THAT(linesIn(all.out), SizeIs(149));
   EXPECT_THAT(all.err, Not(HasSubstr("not shown")));
 }
 
@@ -172,7 +172,7 @@ TEST_F(Check, ShowsDnsAsTheFileWritesThem) {
 TEST_F(Check, ShowsTextFromTheFileInPrintableForm) {
   const auto result = runTool({"check", m_files.write("a\nb\x1b[2J", "no colon\n")});
   EXPECT_THAT(result.out, HasSubstr("a\\nb\\x1b[2J:1: error: "));
-  EXPECT_THAT(linesOf(result.out), SizeIs(testing::Ge(1U)));
+  EXPECT_THAT(linesIn(result.out), SizeIs(testing::Ge(1U)));
   EXPECT_THAT(result.out, Not(HasSubstr("\x1b")));
 }
 

@@ -9,7 +9,6 @@
 #include <unistd.h>
 
 #include <csignal>
-#include <fstream>
 #include <iterator>
 
 #include "ExamplePath.h"
@@ -25,11 +24,6 @@ using testing::AnyOf;
 using testing::HasSubstr;
 
 using Words = std::vector<std::string>;
-
-std::string readFile(const fs::path& path) {
-  std::ifstream in(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-}
 
 // The words of a command line, with "@" in place of the directory of the files.
 struct ToolRun {

@@ -10,27 +10,9 @@
 #include <cerrno>
 #include <stdexcept>
 
+#include "CapturedOutput.h"
+
 namespace {
-
-int temporaryFile() {
-  const int file = ::open("/tmp", O_TMPFILE | O_RDWR | O_CLOEXEC, 0600);
-  if (file < 0) throw std::runtime_error("no file for the tool's output");
-  return file;
-}
-
-std::string readAll(int file) {
-  std::string text;
-  std::array<char, 4096> buffer{};
-  off_t offset = 0;
-  for (;;) {
-    const ssize_t count = ::pread(file, buffer.data(), buffer.size(), offset);
-    if (count <= 0) break;
-    text.append(buffer.data(), static_cast<std::size_t>(count));
-    offset += count;
-  }
-  ::close(file);
-  return text;
-}
 
 // A pipe that holds the text, and whose other end is closed.
 int pipeWith(const std::string& text) {
@@ -84,8 +66,8 @@ ToolResult ToolProcess::wait() {
   }
   m_leftImage = WIFSIGNALED(status) && WCOREDUMP(status);
   const int code = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-  std::string out = readAll(m_out);
-  std::string err = readAll(m_err);
+  std::string out = readAndClose(m_out);
+  std::string err = readAndClose(m_err);
   return {code, std::move(out), std::move(err)};
 }
 

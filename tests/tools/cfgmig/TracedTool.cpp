@@ -6,7 +6,6 @@
 
 #include <string>
 
-#include <array>
 #include <cerrno>
 #include <cstdlib>
 #include <filesystem>
@@ -16,26 +15,9 @@
 #include <stdexcept>
 #include <utility>
 
+#include "CapturedOutput.h"
+
 namespace {
-
-int temporaryFile() {
-  const int file = ::open("/tmp", O_TMPFILE | O_RDWR | O_CLOEXEC, 0600);
-  if (file < 0) throw std::runtime_error("no file for the output");
-  return file;
-}
-
-std::string readAll(int file) {
-  std::string text;
-  std::array<char, 4096> buffer{};
-  for (off_t offset = 0;;) {
-    const ssize_t count = ::pread(file, buffer.data(), buffer.size(), offset);
-    if (count <= 0) break;
-    text.append(buffer.data(), static_cast<std::size_t>(count));
-    offset += count;
-  }
-  ::close(file);
-  return text;
-}
 
 std::string nameOfLog() {
   return (std::filesystem::temp_directory_path() / ("cfgmig-trace-" + std::to_string(::getpid()))).string();
@@ -71,7 +53,7 @@ std::string TracedTool::whyNot() {
   const int status =
       statusOf(startProcess({"strace", "-o", "/dev/null", "-e", "inject=fsync:error=EIO", "true"}, out, err));
   ::close(out);
-  const std::string said = readAll(err);
+  const std::string said = readAndClose(err);
   if (status == 0) return "";
   return status == 127 ? "strace is not installed" : "strace cannot trace here: " + said;
 }
@@ -88,8 +70,8 @@ void TracedTool::start(const std::vector<std::string>& options) {
 
 int TracedTool::wait() {
   const int status = statusOf(m_process);
-  m_out = readAll(m_outFile);
-  m_err = readAll(m_errFile);
+  m_out = readAndClose(m_outFile);
+  m_err = readAndClose(m_errFile);
   return status;
 }
 

@@ -5,9 +5,9 @@
 #include <sys/stat.h>
 
 #include <fstream>
-#include <iterator>
 #include <sstream>
 #include <stdexcept>
+#include <utility>
 
 namespace fs = std::filesystem;
 
@@ -29,10 +29,15 @@ std::string Workspace::write(const std::string& name, const std::string& content
   return file;
 }
 
-std::string Workspace::read(const std::string& name) const {
-  std::ifstream in(path(name), std::ios::binary);
-  return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+// In one piece: these files are large, and builds that do not optimize take their time over each byte.
+std::string readFile(const std::filesystem::path& path) {
+  std::ifstream in(path, std::ios::binary);
+  std::ostringstream text;
+  if (in.peek() != std::ifstream::traits_type::eof()) text << in.rdbuf();
+  return std::move(text).str();
 }
+
+std::string Workspace::read(const std::string& name) const { return readFile(path(name)); }
 
 mode_t Workspace::mode(const std::string& name) const {
   struct stat status {};

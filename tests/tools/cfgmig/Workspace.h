@@ -10,6 +10,9 @@
 #include <string>
 #include <vector>
 
+// What the file holds; empty when there is none.
+std::string readFile(const std::filesystem::path& path);
+
 class Workspace {
  public:
   Workspace();

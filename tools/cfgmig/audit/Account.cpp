@@ -10,9 +10,6 @@ namespace {
 
 using cfgstore::SnapshotAttribute;
 
-// Up to here looking at each one is faster than a hash table.
-constexpr Id kFew = 24;
-
 class Account {
  public:
   Account(const Contents& contents, const Prediction& prediction, const Reconciliation& reconciliation, Audit& audit)

@@ -1,12 +1,6 @@
 #include "audit/Content.h"
 
 namespace tool::auditing {
-namespace {
-
-// Up to here looking at each one is faster than a hash table.
-constexpr Id kFew = 24;
-
-}  // namespace
 
 Content::Content(const cfgstore::Snapshot& before, Names& names) : m_before(before) {
   m_entries.reserve(before.entries().size() + before.entries().size() / 4);

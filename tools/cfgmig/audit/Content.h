@@ -18,6 +18,9 @@
 namespace tool::auditing {
 
 using Id = std::uint32_t;
+
+// Up to here looking at each one is faster than a hash table.
+inline constexpr Id kFew = 24;
 inline constexpr Id kNone = 0xffffffff;
 
 enum class Source : std::uint8_t {

@@ -22,7 +22,7 @@ std::string octal(char character) {
 
 // As one word of a shell's command line. What a terminal should not get is written as octal numbers, in the $'...' that
 // the usual shells know.
-std::string quoted(std::string_view word) {
+std::string shellWord(std::string_view word) {
   constexpr std::string_view kPlain = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_-./,:+=@%";
   if (!word.empty() && word.find_first_not_of(kPlain) == std::string_view::npos) return std::string(word);
   const bool needsNumbers = std::any_of(word.begin(), word.end(), isBeyondPrintable);
@@ -50,7 +50,7 @@ class CommandText {
   }
   CommandText& argument(const std::string& value) {
     // What begins with a dash would be taken for an option.
-    m_text += ' ' + quoted(value.starts_with('-') ? "./" + value : value);
+    m_text += ' ' + shellWord(value.starts_with('-') ? "./" + value : value);
     return *this;
   }
   const std::string& text() const { return m_text; }

@@ -26,9 +26,8 @@ std::string withLine(std::string word, const Snapshot& snapshot, ValueId value) 
   return word;
 }
 
-using Kind = tool::Discrepancy::Kind;
-
-const char* nameOf(Kind kind) {
+const char* nameOf(tool::Discrepancy::Kind kind) {
+  using Kind = tool::Discrepancy::Kind;
   static const std::map<Kind, const char*> names = {
       {Kind::missingValue, "missingValue"},
       {Kind::missingEntry, "missingEntry"},

@@ -199,7 +199,7 @@ TEST_P(ExampleAudit, AMigrationByTheRulesOfAnotherVersionDiffers) {
   }
 }
 
-std::string nameOf(const testing::TestParamInfo<Example>& info) {
+std::string nameOfExample(const testing::TestParamInfo<Example>& info) {
   std::string name = info.param.merged;
   for (char& letter : name) {
     if (std::isalnum(static_cast<unsigned char>(letter)) == 0) letter = '_';
@@ -207,6 +207,6 @@ std::string nameOf(const testing::TestParamInfo<Example>& info) {
   return name;
 }
 
-INSTANTIATE_TEST_SUITE_P(Examples, ExampleAudit, testing::ValuesIn(kExamples), nameOf);
+INSTANTIATE_TEST_SUITE_P(Examples, ExampleAudit, testing::ValuesIn(kExamples), nameOfExample);
 
 }  // namespace

@@ -8,7 +8,7 @@ using testing::IsEmpty;
 using tool::EntryFate;
 
 // A ledger whose result holds `lines` in an entry, carried from the old configuration.
-SampleLedger carrying(const std::string& lines) {
+SampleLedger carryingOver(const std::string& lines) {
   return {kRoot + entry("A", lines), kRoot, kRoot + entry("A", lines)};
 }
 
@@ -34,24 +34,25 @@ TEST(PendingMigrations, AreNotFoundByTheWordInAnotherSetting) {
 
 TEST(SealedSecrets, AreFoundByTheirScheme) {
   const SampleLedger sample =
-      carrying("zor-slapdAdminPW: {sealed}abc\nzor-other: {AES256}xyz==\nzor-third: {IMASK}q\n");
+      carryingOver("zor-slapdAdminPW: {sealed}abc\nzor-other: {AES256}xyz==\nzor-third: {IMASK}q\n");
   EXPECT_THAT(values(sample, "sealed-by-old-server"), ElementsAre("{sealed}abc", "{AES256}xyz==", "{IMASK}q"));
 }
 
 TEST(SealedSecrets, AreFoundByBytesThatNobodyTypesInAPassword) {
-  EXPECT_THAT(values(carrying("zor-slapdDbUserPW:: m0Fu\n"), "sealed-by-old-server"), ElementsAre("\x9b"
-                                                                                                  "An"));
+  EXPECT_THAT(values(carryingOver("zor-slapdDbUserPW:: m0Fu\n"), "sealed-by-old-server"), ElementsAre("\x9b"
+                                                                                                      "An"));
 }
 
 TEST(SealedSecrets, AreNotPasswordsThatEveryServerCanCheck) {
-  EXPECT_THAT(values(carrying("zor-slapdAdminPW: {SSHA}abc==\nzor-slapdKeyPW: clear text\n"
-                              "zor-slapdMasterPW: {crypt}ab\n"),
+  EXPECT_THAT(values(carryingOver("zor-slapdAdminPW: {SSHA}abc==\nzor-slapdKeyPW: clear text\n"
+                                  "zor-slapdMasterPW: {crypt}ab\n"),
                      "sealed-by-old-server"),
               IsEmpty());
 }
 
 TEST(SealedSecrets, AreNotBinaryValuesOfOtherSettings) {
-  EXPECT_THAT(values(carrying("zor-picture:: m0Fu\nzor-text: a {sealed} word\n"), "sealed-by-old-server"), IsEmpty());
+  EXPECT_THAT(values(carryingOver("zor-picture:: m0Fu\nzor-text: a {sealed} word\n"), "sealed-by-old-server"),
+              IsEmpty());
 }
 
 TEST(SealedSecrets, AreNotTheNewServersOwn) {

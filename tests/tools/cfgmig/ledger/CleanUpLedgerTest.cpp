@@ -11,7 +11,6 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-constexpr const char* kMain = "dn: CN=CONFIGURATION\nobjectClass: top\ncn: Configuration\n\n";  // four lines
 constexpr const char* kDirectory = "dn: CN=DIRECTORY,CN=RDBM BACKENDS,CN=ZOR DIRECTORY,CN=SCHEMAS,CN=CONFIGURATION\n";
 
 TEST(CleanUpLedger, SaysCleanedOfWhatIsRemoved) {

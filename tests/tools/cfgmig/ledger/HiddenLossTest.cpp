@@ -11,8 +11,6 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
 
-constexpr const char* kMain = "dn: CN=CONFIGURATION\nobjectClass: top\ncn: Configuration\n\n";  // four lines
-
 TEST(HiddenLoss, ShowsWhatATransferLeavesBehindThatEndsAtASettingTheNewEntryLacks) {
   const Migrated merged("6.0",
                         std::string(kMain) +

@@ -14,6 +14,9 @@
 #include "Workspace.h"
 #include "ledger/LedgerBuilder.h"
 
+// The root entry of a configuration.
+inline constexpr const char* kMain = "dn: CN=CONFIGURATION\nobjectClass: top\ncn: Configuration\n\n";  // four lines
+
 class Migrated {
  public:
   // Answers 0 for a write that may happen, or the code with which it is refused.

@@ -12,7 +12,6 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using tool::Side;
 
-constexpr const char* kMain = "dn: CN=CONFIGURATION\nobjectClass: top\ncn: Configuration\n\n";  // four lines
 constexpr int kUnwilling = 53;
 
 // Refuses what is written to one attribute of the new configuration.

@@ -9,8 +9,6 @@ namespace {
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-constexpr const char* kMain = "dn: CN=CONFIGURATION\nobjectClass: top\ncn: Configuration\n\n";  // four lines
-
 TEST(RuleLedger, SaysDroppedAlsoWhereTheNewServerHasAnEqualValue) {
   const Migrated merged("6.0",
                         "dn: CN=CONFIGURATION\nobjectClass: top\ncn: Configuration\n"

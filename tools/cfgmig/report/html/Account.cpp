@@ -9,13 +9,6 @@
 #include "report/html/EntryRows.h"
 
 namespace tool::html {
-namespace {
-
-constexpr std::uint32_t kNone = cfgstore::Snapshot::kNone;
-constexpr Content kAll[] = {Content::old, Content::before, Content::result};
-
-}  // namespace
-
 Account::Account(const Ledger& ledger) : m_ledger(ledger) {
   for (const Content content : kAll) addEntries(content);
   connect();

@@ -27,6 +27,9 @@ constexpr std::size_t wordOf(ValueOrigin origin) { return kValueFates + static_c
 inline constexpr std::size_t kReplacedWord = kValueFates + kValueOrigins;
 constexpr Words bitOf(std::size_t word) { return Words{1} << word; }
 
+inline constexpr std::uint32_t kNone = cfgstore::Snapshot::kNone;
+inline constexpr Content kAll[] = {Content::old, Content::before, Content::result};
+
 // What of the three contents belongs together under one attribute of one DN. kNoValue where there is nothing.
 struct Row {
   std::string_view attribute;

@@ -6,9 +6,6 @@
 namespace tool::html {
 namespace {
 
-constexpr std::uint32_t kNone = cfgstore::Snapshot::kNone;
-constexpr Content kAll[] = {Content::old, Content::before, Content::result};
-
 std::size_t indexOf(Content content) { return static_cast<std::size_t>(content); }
 
 std::string lowerCase(std::string_view name) {
