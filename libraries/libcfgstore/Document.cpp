@@ -231,7 +231,9 @@ const Habits& Document::habits() {
 }
 
 Line Document::newLine(std::string_view name, std::string_view value) {
-  const std::string_view text = m_arena.keep(writeLine(habits(), name, value));
+  m_newLine.clear();
+  appendLine(m_newLine, habits(), name, value);
+  const std::string_view text = m_arena.keep(m_newLine);
   std::string scratch;
   Line line;
   parseLine(text, scratch, line);

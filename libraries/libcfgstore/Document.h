@@ -167,6 +167,7 @@ class Document {
 
   SourceText m_source;
   TextArena m_arena;
+  std::string m_newLine;               // working space
   std::vector<Line> m_lines;           // of the source, in order, but for those that were set aside
   std::optional<LineKind> m_lastLine;  // of the source; nothing for an empty one
   std::vector<Entry> m_entries;

@@ -120,40 +120,50 @@ Habits Habits::of(std::span<const Line> lines) {
 bool needsBase64(const Habits& habits, std::string_view value) {
   if (value.empty()) return false;
   if (value.front() == ' ' || value.front() == ':' || value.front() == '<' || value.back() == ' ') return true;
+  bool control = false;
   bool beyondAscii = false;
-  for (const char c : value) {
-    if (isControl(c)) return true;
-    beyondAscii = beyondAscii || isBeyondAscii(c);
+  for (const char c : value) {  // to the end, so that many bytes are looked at at once
+    control |= isControl(c);
+    beyondAscii |= isBeyondAscii(c);
   }
+  if (control) return true;
   return beyondAscii && !(habits.rawUtf8 && isUtf8(value));
 }
 
-std::string writeLine(const Habits& habits, std::string_view name, std::string_view value) {
-  std::string text(name);
-  text += ':';
+void appendLine(std::string& to, const Habits& habits, std::string_view name, std::string_view value) {
+  const std::size_t begin = to.size();
+  to += name;
+  to += ':';
   const bool base64 = needsBase64(habits, value);
-  if (base64) text += ':';
-  if (habits.blankAfterColon && !value.empty()) text += ' ';
+  if (base64) to += ':';
+  if (habits.blankAfterColon && !value.empty()) to += ' ';
   if (base64) {
-    appendBase64(text, value);
+    appendBase64(to, value);
   } else {
-    text += value;
+    to += value;
   }
 
-  std::string line;
-  line.reserve(text.size() + text.size() / 16 + 2);
-  std::size_t from = 0;
   std::size_t width = habits.foldColumn;
-  while (habits.foldColumn != 0 && text.size() - from > width) {
-    const std::size_t end = foldAt(text, from, from + width);
-    line.append(text, from, end - from);
-    line += habits.lineEnd;
-    line += ' ';
-    from = end;
-    width = habits.foldColumn - 1;
+  if (width != 0 && to.size() - begin > width) {
+    const std::string text = to.substr(begin);
+    to.resize(begin);
+    std::size_t from = 0;
+    while (text.size() - from > width) {
+      const std::size_t end = foldAt(text, from, from + width);
+      to.append(text, from, end - from);
+      to += habits.lineEnd;
+      to += ' ';
+      from = end;
+      width = habits.foldColumn - 1;
+    }
+    to.append(text, from);
   }
-  line.append(text, from);
-  line += habits.lineEnd;
+  to += habits.lineEnd;
+}
+
+std::string writeLine(const Habits& habits, std::string_view name, std::string_view value) {
+  std::string line;
+  appendLine(line, habits, name, value);
   return line;
 }
 

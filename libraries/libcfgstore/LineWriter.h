@@ -28,7 +28,8 @@ struct Habits {
 // also text beyond ASCII in a file that has none in plain.
 bool needsBase64(const Habits& habits, std::string_view value);
 
-// One logical line for `name` and `value`, line end included.
+// One logical line for `name` and `value`, line end included; added to `to`, or by itself.
+void appendLine(std::string& to, const Habits& habits, std::string_view name, std::string_view value);
 std::string writeLine(const Habits& habits, std::string_view name, std::string_view value);
 
 // The empty lines between two entries.

@@ -1,5 +1,6 @@
 // ApplyCommand.cpp -- cfgmig apply.
 
+#include <cstdint>
 #include <filesystem>
 #include <future>
 #include <memory>
@@ -21,6 +22,7 @@
 #include "PrintableText.h"
 #include "Saving.h"
 #include "Threads.h"
+#include "TraceControl.h"
 #include "Tracing.h"
 #include "migration/AppliedBefore.h"
 #include "migration/Migration.h"
@@ -134,8 +136,18 @@ std::vector<std::string> faultsOfResult(Migration& migration) {
   }
 }
 
-bool checkResult(Migration& migration, Console& console) {
-  std::vector<std::string> faults = faultsOfResult(migration);
+// Looked for beside what is noted of the save; when they are asked for, if there is not enough memory for that or a
+// trace tells of what is done.
+std::future<std::vector<std::string>> faultsLookedFor(Migration& migration) {
+  try {
+    const std::uint64_t size = ldtr::events() == 0 ? migration.newStore().textAsRead().size() : 0;
+    return cfgstore::doBeside(size, [&migration] { return faultsOfResult(migration); });
+  } catch (const std::bad_alloc&) {
+    return {};
+  }
+}
+
+bool isFaultless(const Migration& migration, std::vector<std::string> faults, Console& console) {
   if (faults.empty()) return true;
   constexpr std::size_t kMost = 20;
   const std::size_t left = faults.size() > kMost ? faults.size() - kMost : 0;
@@ -171,9 +183,10 @@ ExitStatus write(Migration& migration, unsigned permissions, EarlySave* early, c
   if (saved.written) {
     report.outcome.kind = Outcome::Kind::applied;
     report.outcome.backup = saved.backupPath;
+    std::future<std::vector<std::string>> faults = faultsLookedFor(migration);
     isWell &=
         afterwards([&] { noteForUndo(recordOf(migration, report, saved.backupPath, fingerprint.get())); }, console);
-    isWell &= checkResult(migration, console);
+    isWell &= isFaultless(migration, faults.valid() ? faults.get() : faultsOfResult(migration), console);
   } else {
     report.outcome.kind = Outcome::Kind::nothingToDo;
     isWell &= afterwards([&] { clearHalfUndoRecord(request.target); }, console);

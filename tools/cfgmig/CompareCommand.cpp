@@ -51,8 +51,9 @@ ExitStatus runCompare(const Arguments& arguments, Console& console) {
   startTracing(arguments);
   // A trace tells of every entry; without one, nobody sees whether equal entries were compared value by value.
   if (traceFile(arguments).empty()) setSettledEntriesAside(storeOf(*oldConfiguration), storeOf(*newConfiguration));
+  auto newInventory = readInventoryBeside(*newConfiguration);
   readInventory(*oldConfiguration);
-  readInventory(*newConfiguration);
+  newInventory.get();
 
   const Comparison comparison = compare(*oldConfiguration, *newConfiguration, arguments.has("--show-secrets"));
   const std::uint64_t size = storeOf(*newConfiguration).textAsRead().size();

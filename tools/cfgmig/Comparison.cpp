@@ -11,7 +11,6 @@
 #include "EntryReading.h"
 #include "Failure.h"
 #include "Secrets.h"
-#include "Snapshot.h"
 
 namespace tool {
 namespace {
@@ -37,19 +36,19 @@ Inventory writtenDns(OVOConfigUtils::CfgUtils& store) {
   return dns;
 }
 
-ComparedAttribute compared(const cfgstore::Snapshot& content, const cfgstore::SnapshotAttribute& from, NameSays name,
-                           bool showSecrets) {
-  ComparedAttribute attribute;
+void add(Comparison& comparison, const cfgstore::SnapshotAttribute& from, NameSays name, bool showSecrets) {
+  ComparedAttribute& attribute = comparison.attributes.emplace_back();
   attribute.name = from.name;
-  for (const cfgstore::SnapshotValue& value : content.valuesOf(from)) {
+  attribute.firstValue = comparison.values.size();
+  for (const cfgstore::SnapshotValue& value : comparison.content.valuesOf(from)) {
     if (value.repeated) continue;
     if (!showSecrets && isSecret(name, value.value)) {
       ++attribute.redacted;
     } else {
-      attribute.values.emplace_back(value.value);
+      comparison.values.push_back(value.value);
     }
   }
-  return attribute;
+  attribute.values = comparison.values.size() - attribute.firstValue;
 }
 
 // The library takes the equal plug-ins out of these entries before it compares them, and then finds them different even
@@ -90,9 +89,7 @@ std::unordered_set<std::string> equalThinnedEntries(OVOConfigUtils::CfgUtils& ol
 
 std::size_t Comparison::redacted() const {
   std::size_t sum = 0;
-  for (const ComparedEntry& entry : entries) {
-    for (const ComparedAttribute& attribute : entry.attributes) sum += attribute.redacted;
-  }
+  for (const ComparedAttribute& attribute : attributes) sum += attribute.redacted;
   return sum;
 }
 
@@ -109,21 +106,26 @@ Comparison compare(ConfigFile& oldConfiguration, ConfigFile& newConfiguration, b
 
   const Inventory after = inventoryOf(oldConfiguration);  // in another order
   const std::unordered_set<std::string_view> left(after.begin(), after.end());
-  // What the comparison has left of it.
-  const cfgstore::Snapshot content(cfgstore::ConfigStore::of(store), cfgstore::Snapshot::Lines::left);
-  SecretNames names;
   Comparison comparison;
+  // What the comparison has left of it.
+  comparison.content = cfgstore::Snapshot(cfgstore::ConfigStore::of(store), cfgstore::Snapshot::Lines::left);
+  const cfgstore::Snapshot& content = comparison.content;
+  comparison.attributes.reserve(content.attributes().size());
+  comparison.values.reserve(content.values().size());
+  SecretNames names;
   for (std::size_t i = 0; i < before.size(); ++i) {
     if (!left.contains(before[i]) || equal.contains(before[i])) continue;
     ComparedEntry& entry = comparison.entries.emplace_back();
     entry.normalDn = before[i];
     entry.dn = i < written.size() ? written[i] : before[i];
     entry.onlyOld = !newEntries.contains(before[i]);
+    entry.firstAttribute = comparison.attributes.size();
     const std::uint32_t number = content.findEntry(before[i]);
     if (number == cfgstore::Snapshot::kNone) continue;
     for (const cfgstore::SnapshotAttribute& attribute : content.attributesOf(content.entries()[number])) {
-      entry.attributes.push_back(compared(content, attribute, names.says(attribute.name), showSecrets));
+      add(comparison, attribute, names.says(attribute.name), showSecrets);
     }
+    entry.attributes = comparison.attributes.size() - entry.firstAttribute;
   }
   return comparison;
 }

@@ -29,18 +29,20 @@ using Json = nlohmann::ordered_json;
 
 constexpr int kFormatVersion = 1;
 
-Json value(const std::string& text) { return cfgstore::isUtf8(text) ? Json{{"text", text}} : jsonBase64(text); }
+Json value(std::string_view text) { return cfgstore::isUtf8(text) ? Json{{"text", text}} : jsonBase64(text); }
 
-Json attribute(const ComparedAttribute& attribute) {
+Json attribute(const Comparison& comparison, const ComparedAttribute& attribute) {
   Json values = Json::array();
-  for (const std::string& text : attribute.values) values.push_back(value(text));
+  for (const std::string_view text : comparison.valuesOf(attribute)) values.push_back(value(text));
   for (std::size_t i = 0; i < attribute.redacted; ++i) values.push_back(Json{{"redacted", true}});
   return Json{{"name", jsonText(attribute.name)}, {"values", std::move(values)}};
 }
 
-Json entry(const ComparedEntry& entry) {
+Json entry(const Comparison& comparison, const ComparedEntry& entry) {
   Json attributes = Json::array();
-  for (const ComparedAttribute& each : entry.attributes) attributes.push_back(attribute(each));
+  for (const ComparedAttribute& each : comparison.attributesOf(entry)) {
+    attributes.push_back(attribute(comparison, each));
+  }
   return Json{{"dn", jsonText(entry.dn)},
               {"normal_dn", jsonText(entry.normalDn)},
               {"only_old", entry.onlyOld},
@@ -51,7 +53,7 @@ Json entry(const ComparedEntry& entry) {
 
 std::string jsonOf(const Comparison& comparison) {
   Json entries = Json::array();
-  for (const ComparedEntry& each : comparison.entries) entries.push_back(entry(each));
+  for (const ComparedEntry& each : comparison.entries) entries.push_back(entry(comparison, each));
   return Json{{"format_version", kFormatVersion}, {"entries", std::move(entries)}}.dump(2, ' ', true) + "\n";
 }
 

@@ -15,6 +15,7 @@
 #include "PrintableText.h"
 #include "SizeLimit.h"
 #include "Threads.h"
+#include "TraceControl.h"
 
 namespace tool {
 namespace {
@@ -122,7 +123,7 @@ std::unique_ptr<cfgstore::ConfigStore> openStoreLike(const std::string& path, co
   return store;
 }
 
-std::vector<std::string> readInventory(ConfigFile& configuration) {
+std::span<const char* const> readInventory(ConfigFile& configuration) {
   const int rc = configuration.getDns();
   const int count = configuration.getDnNum();
   if (rc == 90 && count > 0) throw std::bad_alloc();
@@ -131,8 +132,13 @@ std::vector<std::string> readInventory(ConfigFile& configuration) {
                                           ": there is no entry under CN=CONFIGURATION; this is not the configuration "
                                           "of a server");
   }
-  char** const dns = configuration.getCfgDns();
-  return {dns, dns + count};
+  return {configuration.getCfgDns(), static_cast<std::size_t>(count)};
+}
+
+// A trace tells of the entries one after the other.
+std::future<std::span<const char* const>> readInventoryBeside(ConfigFile& configuration) {
+  const std::uint64_t bytes = ldtr::events() == 0 ? storeOf(configuration).textAsRead().size() : 0;
+  return cfgstore::doBeside(bytes, [&configuration] { return readInventory(configuration); });
 }
 
 }  // namespace tool

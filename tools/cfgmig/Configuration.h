@@ -3,6 +3,7 @@
 #ifndef CFGMIG_TOOL_CONFIGURATION_H
 #define CFGMIG_TOOL_CONFIGURATION_H
 
+#include <future>
 #include <memory>
 #include <span>
 #include <string>
@@ -44,9 +45,13 @@ std::unique_ptr<cfgstore::ConfigStore> openStore(const std::string& path);
 // The same for a file that holds much of what is set aside in `model` (cfgstore::openLike).
 std::unique_ptr<cfgstore::ConfigStore> openStoreLike(const std::string& path, const cfgstore::ConfigStore& model);
 
-// Fills the inventory of an open configuration and hands out a copy of it. Throws Failure when there is no entry under
-// CN=CONFIGURATION: such a file is not the configuration of a server.
-std::vector<std::string> readInventory(ConfigFile& configuration);
+// Fills the inventory of an open configuration and hands out its DNs, which belong to it. Throws Failure when there is
+// no entry under CN=CONFIGURATION: such a file is not the configuration of a server.
+std::span<const char* const> readInventory(ConfigFile& configuration);
+
+// The same of a large one beside other work; with its result comes what it throws. Nothing else may use the
+// configuration meanwhile.
+std::future<std::span<const char* const>> readInventoryBeside(ConfigFile& configuration);
 
 }  // namespace tool
 

@@ -20,7 +20,7 @@ ExitStatus runList(const Arguments& arguments, Console& console) {
   const std::unique_ptr<ConfigFile> configuration = openConfiguration(arguments.value("FILE"), problems);
   if (!configuration) throw Failure(ExitStatus::failed, problems);
   startTracing(arguments);
-  for (const std::string& dn : readInventory(*configuration)) console.out << ldtr::printableDn(dn) << '\n';
+  for (const char* const dn : readInventory(*configuration)) console.out << ldtr::printableDn(dn) << '\n';
   return ExitStatus::done;
 }
 

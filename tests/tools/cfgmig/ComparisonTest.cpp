@@ -22,16 +22,24 @@ using testing::SizeIs;
 class Comparing : public testing::Test {
  protected:
   Comparison compareTexts(const std::string& oldText, const std::string& newText, bool showSecrets = false) {
-    ConfigFile oldOne(m_workspace.write("old", oldText), nullptr);
-    ConfigFile newOne(m_workspace.write("new", newText), nullptr);
-    EXPECT_EQ(oldOne.getDns(), 0);
-    EXPECT_EQ(newOne.getDns(), 0);
+    ConfigFile& oldOne = open("old", oldText);
+    ConfigFile& newOne = open("new", newText);
     Comparison comparison = compare(oldOne, newOne, showSecrets);
     EXPECT_FALSE(cfgstore::ConfigStore::of(*newOne.getCfgUtils()).changed()) << "it is only read";
     return comparison;
   }
 
   const Workspace m_workspace;
+
+ private:
+  // A comparison holds views into what was compared.
+  ConfigFile& open(const std::string& name, const std::string& text) {
+    m_opened.push_back(std::make_unique<ConfigFile>(m_workspace.write(name, text), nullptr));
+    EXPECT_EQ(m_opened.back()->getDns(), 0);
+    return *m_opened.back();
+  }
+
+  std::vector<std::unique_ptr<ConfigFile>> m_opened;
 };
 
 const std::string kMain = "dn: cn=Configuration\ncn: Configuration\n";
@@ -97,10 +105,9 @@ TEST_F(Comparing, WritesLdifThatReadsBackAsTheSame) {
   const Comparison comparison = compareTexts(kMain + text, kMain);
   const Comparison again = compareTexts(ldifOf(comparison), kMain);
   ASSERT_THAT(again.entries, SizeIs(1));
-  ASSERT_THAT(again.entries[0].attributes, SizeIs(4));
-  for (std::size_t i = 0; i < 4; ++i) {
-    EXPECT_EQ(again.entries[0].attributes[i].values, comparison.entries[0].attributes[i].values);
-  }
+  EXPECT_EQ(again.entries[0].attributes, 4U);
+  EXPECT_THAT(again.values, SizeIs(4));
+  EXPECT_EQ(again.values, comparison.values);
 }
 
 TEST_F(Comparing, WritesJsonWithBytesThatAreNoTextInBase64) {

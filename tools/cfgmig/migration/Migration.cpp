@@ -82,12 +82,13 @@ std::vector<std::string> Migration::staleInputs() const {
 void Migration::merge(std::vector<std::string>& warnings) {
   // A trace tells of every entry; without one, nobody sees whether equal entries were merged.
   if (m_request.traceFile.empty()) setSettledEntriesAside(oldStore(), newStore());
+  auto newInventory = readInventoryBeside(*m_new);
   readInventory(*m_old);
   const SourceVersion source = sourceVersionOf(*m_old->getCfgUtils(), m_request.oldPath, m_request.version);
   warnings.insert(warnings.end(), source.warnings.begin(), source.warnings.end());
   m_sourceVersion = source.version;
   m_recognisedFrom = source.from;
-  readInventory(*m_new);
+  newInventory.get();
 
   LedgerBuilder& builder = m_builder.emplace(*m_old, *m_new, source.version);
   // They may have been made already, to see whether a plan is stale.
