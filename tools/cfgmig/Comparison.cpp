@@ -3,37 +3,35 @@
 #include <strings.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdlib>
 #include <memory>
+#include <span>
 #include <string_view>
 #include <unordered_set>
 
 #include "EntryReading.h"
 #include "Failure.h"
 #include "Secrets.h"
+#include "Threads.h"
 
 namespace tool {
 namespace {
 
-using Inventory = std::vector<std::string>;
-
-Inventory inventoryOf(const ConfigFile& configuration) {
-  char** const dns = configuration.getCfgDns();
-  return {dns, dns + configuration.getDnNum()};
+std::span<const char* const> inventoryOf(const ConfigFile& configuration) {
+  return {configuration.getCfgDns(), static_cast<std::size_t>(configuration.getDnNum())};
 }
 
-// The DNs as the file writes them, in the order of the inventory.
-Inventory writtenDns(OVOConfigUtils::CfgUtils& store) {
-  char** list = nullptr;
-  int count = 0;
-  Inventory dns;
-  if (store.getSubordinates("CN=CONFIGURATION", 2, &list, &count) != 0) return dns;
-  for (char** dn = list; *dn != nullptr; ++dn) {
-    dns.emplace_back(*dn);
-    std::free(*dn);
+// The entries that the comparison has left in the inventory, by their numbers in what it has left of the content, in
+// the order of the file.
+std::vector<std::uint32_t> entriesLeft(const ConfigFile& configuration, const cfgstore::Snapshot& content) {
+  std::vector<std::uint32_t> numbers;
+  for (const char* const dn : inventoryOf(configuration)) {
+    const std::uint32_t number = content.findEntry(dn);
+    if (number != cfgstore::Snapshot::kNone) numbers.push_back(number);
   }
-  std::free(list);
-  return dns;
+  std::sort(numbers.begin(), numbers.end());
+  return numbers;
 }
 
 void add(Comparison& comparison, const cfgstore::SnapshotAttribute& from, NameSays name, bool showSecrets) {
@@ -74,13 +72,12 @@ bool isEqualEntry(OVOConfigUtils::CfgUtils& left, OVOConfigUtils::CfgUtils& righ
 }
 
 // The thinned entries that are equal, as the inventory names them.
-std::unordered_set<std::string> equalThinnedEntries(OVOConfigUtils::CfgUtils& oldStore,
-                                                    OVOConfigUtils::CfgUtils& newStore) {
-  std::unordered_set<std::string> equal;
+std::vector<std::string> equalThinnedEntries(OVOConfigUtils::CfgUtils& oldStore, OVOConfigUtils::CfgUtils& newStore) {
+  std::vector<std::string> equal;
   for (const char* dn : kThinnedEntries) {
     if (!hasEntry(oldStore, dn) || !hasEntry(newStore, dn) || !isEqualEntry(oldStore, newStore, dn)) continue;
     const std::unique_ptr<char, decltype(&std::free)> normal(formatDn(dn), &std::free);
-    if (normal) equal.emplace(normal.get());
+    if (normal) equal.emplace_back(normal.get());
   }
   return equal;
 }
@@ -95,34 +92,32 @@ std::size_t Comparison::redacted() const {
 
 Comparison compare(ConfigFile& oldConfiguration, ConfigFile& newConfiguration, bool showSecrets) {
   OVOConfigUtils::CfgUtils& store = *oldConfiguration.getCfgUtils();
-  const Inventory before = inventoryOf(oldConfiguration);
-  const Inventory written = writtenDns(store);
-  const Inventory others = inventoryOf(newConfiguration);
-  const std::unordered_set<std::string_view> newEntries(others.begin(), others.end());
+  const std::span<const char* const> others = inventoryOf(newConfiguration);
+  const std::size_t size = cfgstore::ConfigStore::of(store).textAsRead().size();
+  auto newEntries =
+      cfgstore::doBeside(size, [others] { return std::unordered_set<std::string_view>(others.begin(), others.end()); });
   const auto equal = equalThinnedEntries(store, *newConfiguration.getCfgUtils());
   if (oldConfiguration.compareConfigFiles(&newConfiguration) == 0) {
     throw Failure(ExitStatus::failed, "the comparison could not begin");
   }
 
-  const Inventory after = inventoryOf(oldConfiguration);  // in another order
-  const std::unordered_set<std::string_view> left(after.begin(), after.end());
   Comparison comparison;
   // What the comparison has left of it.
   comparison.content = cfgstore::Snapshot(cfgstore::ConfigStore::of(store), cfgstore::Snapshot::Lines::left);
   const cfgstore::Snapshot& content = comparison.content;
   comparison.attributes.reserve(content.attributes().size());
   comparison.values.reserve(content.values().size());
+  const std::unordered_set<std::string_view> ofNew = newEntries.get();
   SecretNames names;
-  for (std::size_t i = 0; i < before.size(); ++i) {
-    if (!left.contains(before[i]) || equal.contains(before[i])) continue;
+  for (const std::uint32_t number : entriesLeft(oldConfiguration, content)) {
+    const cfgstore::SnapshotEntry& left = content.entries()[number];
+    if (std::find(equal.begin(), equal.end(), left.normal) != equal.end()) continue;
     ComparedEntry& entry = comparison.entries.emplace_back();
-    entry.normalDn = before[i];
-    entry.dn = i < written.size() ? written[i] : before[i];
-    entry.onlyOld = !newEntries.contains(before[i]);
+    entry.dn = left.dn;
+    entry.normalDn = left.normal;
+    entry.onlyOld = !ofNew.contains(left.normal);
     entry.firstAttribute = comparison.attributes.size();
-    const std::uint32_t number = content.findEntry(before[i]);
-    if (number == cfgstore::Snapshot::kNone) continue;
-    for (const cfgstore::SnapshotAttribute& attribute : content.attributesOf(content.entries()[number])) {
+    for (const cfgstore::SnapshotAttribute& attribute : content.attributesOf(left)) {
       add(comparison, attribute, names.says(attribute.name), showSecrets);
     }
     entry.attributes = comparison.attributes.size() - entry.firstAttribute;

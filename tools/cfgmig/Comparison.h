@@ -23,8 +23,8 @@ struct ComparedAttribute {
 };
 
 struct ComparedEntry {
-  std::string dn;                  // as the file writes it
-  std::string normalDn;            // as the inventory does
+  std::string_view dn;             // as the file writes it
+  std::string_view normalDn;       // as the inventory does
   bool onlyOld = false;            // the new configuration has no such entry
   std::size_t firstAttribute = 0;  // of those of the comparison
   std::size_t attributes = 0;      // in the order of the file; none when the new entry only holds more

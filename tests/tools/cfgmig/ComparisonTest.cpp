@@ -66,7 +66,7 @@ TEST_F(Comparing, KeepsTheOrderOfTheFile) {
   for (const char* name : {"A", "B", "C", "D", "E"}) text += entry(name, "x: 1\n");
   const Comparison comparison = compareTexts(text, kMain + entry("B", "x: 1\n") + entry("C", "x: 2\n"));
   std::vector<std::string> dns;
-  for (const ComparedEntry& each : comparison.entries) dns.push_back(each.normalDn);
+  for (const ComparedEntry& each : comparison.entries) dns.emplace_back(each.normalDn);
   EXPECT_THAT(dns, ElementsAre("CN=A,CN=CONFIGURATION", "CN=C,CN=CONFIGURATION", "CN=D,CN=CONFIGURATION",
                                "CN=E,CN=CONFIGURATION"));
 }
