@@ -14,6 +14,7 @@
 #include "OutputFile.h"
 #include "SettledEntries.h"
 #include "Target.h"
+#include "TraceControl.h"
 #include "Tracing.h"
 
 namespace tool {
@@ -50,7 +51,7 @@ ExitStatus runCompare(const Arguments& arguments, Console& console) {
   if (!problems.empty()) throw Failure(ExitStatus::failed, problems);
   startTracing(arguments);
   // A trace tells of every entry; without one, nobody sees whether equal entries were compared value by value.
-  if (traceFile(arguments).empty()) setSettledEntriesAside(storeOf(*oldConfiguration), storeOf(*newConfiguration));
+  if (ldtr::events() == 0) setSettledEntriesAside(storeOf(*oldConfiguration), storeOf(*newConfiguration));
   auto newInventory = readInventoryBeside(*newConfiguration);
   readInventory(*oldConfiguration);
   newInventory.get();

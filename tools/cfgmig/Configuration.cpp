@@ -126,7 +126,8 @@ std::unique_ptr<cfgstore::ConfigStore> openStoreLike(const std::string& path, co
 std::span<const char* const> readInventory(ConfigFile& configuration) {
   const int rc = configuration.getDns();
   const int count = configuration.getDnNum();
-  if (rc == 90 && count > 0) throw std::bad_alloc();
+  // What was listed has normal forms: the file was read by them.
+  if (rc != 0 && count > 0) throw std::bad_alloc();
   if (rc != 0 || count <= 0) {
     throw Failure(ExitStatus::failed, ldtr::printable(configuration.getFileName()) +
                                           ": there is no entry under CN=CONFIGURATION; this is not the configuration "

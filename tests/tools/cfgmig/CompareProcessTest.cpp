@@ -5,6 +5,7 @@
 #include <sys/file.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -61,6 +62,20 @@ TEST_F(Compare, ExitsWithThreeOnlyWhenAskedAndOnlyForDifferences) {
   EXPECT_EQ(result.status, 0);
   EXPECT_EQ(result.out, "");
   EXPECT_EQ(result.err, "");
+}
+
+// Equal entries are passed over unless somebody looks.
+TEST_F(Compare, TracesEachEntryWhereverTheTraceGoes) {
+  std::string text = sample::kOld;
+  for (int i = 0; i < 20; ++i) text += "\ndn: cn=Equal " + std::to_string(i) + ", cn=Configuration\nzor-x: 1\n";
+  for (const char* const name : {"old", "new"}) m_files.write(name, text);
+  const auto lines = [](const std::string& records) { return std::count(records.begin(), records.end(), '\n'); };
+  EXPECT_EQ(run({"--trace", m_files.path("trace")}).status, 0);
+  const auto all = lines(m_files.read("trace"));
+  EXPECT_GT(all, 100);
+  EXPECT_EQ(lines(run({"--trace", "-"}).err), all);
+  const std::vector<std::string> words = {"compare", "--old", m_files.path("old"), "--new", m_files.path("new")};
+  EXPECT_EQ(lines(runTool(ToolSetup{words, {"LDTR_EVENTS=0xffffffff"}}).err), all);
 }
 
 TEST_F(Compare, WritesAFileForItsOwnerOnly) {

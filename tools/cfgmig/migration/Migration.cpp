@@ -14,6 +14,7 @@
 #include "SettledEntries.h"
 #include "SourceVersion.h"
 #include "Threads.h"
+#include "TraceControl.h"
 #include "TracedMethod.h"
 
 namespace tool {
@@ -81,7 +82,7 @@ std::vector<std::string> Migration::staleInputs() const {
 
 void Migration::merge(std::vector<std::string>& warnings) {
   // A trace tells of every entry; without one, nobody sees whether equal entries were merged.
-  if (m_request.traceFile.empty()) setSettledEntriesAside(oldStore(), newStore());
+  if (ldtr::events() == 0) setSettledEntriesAside(oldStore(), newStore());
   auto newInventory = readInventoryBeside(*m_new);
   readInventory(*m_old);
   const SourceVersion source = sourceVersionOf(*m_old->getCfgUtils(), m_request.oldPath, m_request.version);
