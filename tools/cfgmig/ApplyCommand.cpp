@@ -25,11 +25,11 @@
 #include "TraceControl.h"
 #include "Tracing.h"
 #include "migration/AppliedBefore.h"
+#include "migration/Fingerprint.h"
 #include "migration/Migration.h"
 #include "migration/MigrationRequest.h"
 #include "migration/ReportRequest.h"
 #include "migration/UndoRecord.h"
-#include "report/Sha256.h"
 
 namespace tool {
 namespace {
@@ -68,23 +68,28 @@ unsigned permissionsOf(const Migration& migration, Console& console) {
   return kAnyPermissions;
 }
 
-std::string fingerprintOf(const std::string& path) { return path.empty() ? "" : sha256OfFile(path); }
+std::string fingerprintOf(const std::string& path) { return path.empty() ? "" : fingerprintOfFile(path); }
 
 // `result` is the fingerprint of what was written.
 UndoRecord recordOf(const Migration& migration, const Report& report, const std::string& backup,
                     const std::string& result) {
+  const MigrationRequest& request = migration.request();
   UndoRecord record;
   record.toolVersion = report.toolVersion;
   record.time = report.time;
   record.sourceVersion = migration.sourceVersion();
-  record.target = std::filesystem::canonical(migration.request().target).string();
-  record.sha256 = result;
+  record.target = std::filesystem::canonical(request.target).string();
+  record.fingerprint = result;
   record.backup = backup.empty() ? "" : std::filesystem::absolute(backup).string();
   // A new configuration that is replaced is the one that was read: the save makes sure of that.
-  const bool isOfInput = !backup.empty() && migration.request().target == migration.request().newPath;
-  record.backupSha256 = isOfInput ? migration.newInput().sha256 : fingerprintOf(record.backup);
-  record.oldFile = migration.oldInput();
-  record.newFile = migration.newInput();
+  const bool isOfInput = !backup.empty() && request.target == request.newPath;
+  record.backupFingerprint = isOfInput ? migration.newFingerprint() : fingerprintOf(record.backup);
+  const auto inputOf = [](const std::string& path, const std::string& fingerprint, const cfgstore::ConfigStore& store) {
+    return UndoInput{std::filesystem::absolute(path).string(), fingerprint, store.textAsRead().size()};
+  };
+  record.oldFile = inputOf(request.oldPath, migration.oldFingerprint(), migration.oldStore());
+  record.newFile = inputOf(request.newPath, migration.newFingerprint(), migration.newStore());
+  record.plannedSha256 = request.plan ? request.plan->newFile.sha256 : "";
   record.schemas = report.options.schemas;
   for (const SchemaFile& file : report.outcome.schemas) {
     if (file.fate != SchemaFile::Fate::copied) continue;
@@ -97,7 +102,7 @@ UndoRecord recordOf(const Migration& migration, const Report& report, const std:
 // Of what a save would write, made while it is written. Schema copies are staged by now, so that nothing changes in it.
 std::future<std::string> fingerprintOfResult(cfgstore::ConfigStore& store) {
   std::vector<std::string_view> pieces = store.pieces();
-  return cfgstore::doBeside(store.textAsRead().size(), [pieces = std::move(pieces)] { return sha256(pieces); });
+  return cfgstore::doBeside(store.textAsRead().size(), [pieces = std::move(pieces)] { return fingerprint(pieces); });
 }
 
 // Without anything that was replaced there is nothing that an undo could put back.
@@ -245,10 +250,7 @@ ExitStatus runApply(const Arguments& arguments, Console& console) {
     return missingOutputs(console).empty() ? ExitStatus::done : ExitStatus::failed;
   }
   const bool isPreview = arguments.has("--dry-run");
-  if (!isPreview) {
-    migration.wantFingerprints();  // for the record for undo
-    migration.wantCheck();
-  }
+  if (!isPreview) migration.willBeWritten();
   migration.merge(warnings);
   tellAll(warnings, console);
   const unsigned permissions = permissionsOf(migration, console);

@@ -51,7 +51,6 @@ ExitStatus runPlan(const Arguments& arguments, Console& console) {
     tellApplied(*record, replay.get(), reports, console);
     return ExitStatus::done;
   }
-  if (reports.showsValues()) migration.wantFingerprints();
   migration.merge(warnings);
   for (const std::string& warning : warnings) console.err << "cfgmig: " << warning << '\n';
   migration.account();

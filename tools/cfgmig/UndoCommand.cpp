@@ -15,8 +15,8 @@
 #include "Outputs.h"
 #include "PrintableText.h"
 #include "StoreFailure.h"
+#include "migration/Fingerprint.h"
 #include "migration/UndoRecord.h"
-#include "report/Sha256.h"
 
 namespace tool {
 namespace {
@@ -24,29 +24,31 @@ namespace {
 // One file to be put back as it was before.
 struct Step {
   std::string path;
-  std::string sha256;        // of what apply has put there
-  std::string backup;        // of what was there; empty when there was nothing
-  std::string backupSha256;  // of that
+  std::string fingerprint;        // of what apply has put there
+  std::string backup;             // of what was there; empty when there was nothing
+  std::string backupFingerprint;  // of that
 };
 
 // The configuration first: once it is back, nothing includes the copies any more.
 std::vector<Step> stepsOf(const UndoRecord& record) {
-  std::vector<Step> steps{{record.target, record.sha256, record.backup, record.backupSha256}};
-  for (const UndoCopy& copy : record.copies) steps.push_back({copy.path, copy.sha256, copy.backup, copy.backupSha256});
+  std::vector<Step> steps{{record.target, record.fingerprint, record.backup, record.backupFingerprint}};
+  for (const UndoCopy& copy : record.copies) {
+    steps.push_back({copy.path, copy.fingerprint, copy.backup, copy.backupFingerprint});
+  }
   return steps;
 }
 
 // What apply has put there, or what was there before: an undo that was interrupted can be run again.
 cfgstore::IsExpected expectationOf(const Step& step) {
   return [&step](std::string_view content) {
-    const std::string found = sha256(content);
-    return found == step.sha256 || (!step.backup.empty() && found == step.backupSha256);
+    const std::string found = fingerprint(content);
+    return found == step.fingerprint || (!step.backup.empty() && found == step.backupFingerprint);
   };
 }
 
 // Collects what stands against a step, so that all of it is told at once.
 void check(const Step& step, std::vector<std::string>& lines) {
-  if (!step.backup.empty() && sha256OfFile(step.backup) != step.backupSha256) {
+  if (!step.backup.empty() && fingerprintOfFile(step.backup) != step.backupFingerprint) {
     lines.push_back(ldtr::printable(step.backup) + ": the backup has changed since, or is gone");
   }
   try {

@@ -79,6 +79,26 @@ TEST_F(AppliedBefore, CanBeDoneAgainFromSuchAPlanAfterAnUndo) {
   EXPECT_EQ(workspace.read("new.ldif"), m_result);
 }
 
+TEST_F(AppliedBefore, IsNothingToDoForAPlanThatWasMadeBefore) {
+  ASSERT_EQ(runTool({"undo", workspace.path("new.ldif")}).status, 0);
+  ASSERT_EQ(run("plan", {"-o", workspace.path("plan.json")}).status, 0);
+  ASSERT_EQ(run("apply").status, 0) << "without the plan";
+  const auto applied = runTool({"apply", workspace.path("plan.json")});
+  EXPECT_EQ(applied.status, 0) << applied.err;
+  EXPECT_THAT(applied.out, StartsWith("Nothing to do: "));
+}
+
+TEST_F(AppliedBefore, IsNothingToDoForItsPlanAlsoWhenTheBackupHasGone) {
+  ASSERT_EQ(runTool({"undo", workspace.path("new.ldif")}).status, 0);
+  ASSERT_EQ(run("plan", {"-o", workspace.path("plan.json")}).status, 0);
+  ASSERT_EQ(runTool({"apply", workspace.path("plan.json")}).status, 0);
+  while (!backup().empty()) std::filesystem::remove(backup());
+  const auto applied = runTool({"apply", workspace.path("plan.json")});
+  EXPECT_EQ(applied.status, 0) << applied.err;
+  EXPECT_THAT(applied.out, StartsWith("Nothing to do: "));
+  EXPECT_EQ(workspace.read("new.ldif"), m_result);
+}
+
 TEST_F(AppliedBefore, IsNoExcuseForAPlanOfAnotherNewConfiguration) {
   ASSERT_EQ(runTool({"undo", workspace.path("new.ldif")}).status, 0);
   const std::string before = workspace.read("new.ldif");

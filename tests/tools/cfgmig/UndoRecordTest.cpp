@@ -49,7 +49,7 @@ std::string linesOf(const tool::Failure& failure) { return testing::PrintToStrin
 
 class UndoRecords : public testing::Test {
  protected:
-  static constexpr const char* kSha256 = "e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855";
+  static constexpr const char* kFingerprint = "xxh3:99aa06d3014798d86001c324468d497f";
 
   UndoRecord recordOf(const std::string& target) const {
     UndoRecord record;
@@ -57,7 +57,7 @@ class UndoRecords : public testing::Test {
     record.time = "2026-11-21T09:14:00Z";
     record.sourceVersion = "6.0";
     record.target = target;
-    record.sha256 = record.oldFile.sha256 = record.newFile.sha256 = kSha256;
+    record.fingerprint = record.oldFile.fingerprint = record.newFile.fingerprint = kFingerprint;
     record.oldFile.path = "/old";
     record.newFile.path = "/new";
     return record;
@@ -78,7 +78,7 @@ TEST_F(UndoRecords, KeepPathsOfAnyBytes) {
   const std::string target = workspace.path("caf\xE9.ldif");
   UndoRecord record = recordOf(target);
   record.backup = workspace.path("\xFF.bak");
-  record.backupSha256 = kSha256;
+  record.backupFingerprint = kFingerprint;
   record.schemas = {"/opt/\xE9/search", "/opt/target"};
   tool::writeUndoRecord(record);
   const auto read = tool::readUndoRecord(target);
@@ -87,6 +87,25 @@ TEST_F(UndoRecords, KeepPathsOfAnyBytes) {
   EXPECT_EQ(read->backup, record.backup);
   ASSERT_TRUE(read->schemas);
   EXPECT_EQ(read->schemas->searchDirectory, "/opt/\xE9/search");
+}
+
+TEST_F(UndoRecords, AreRefusedWhenAFingerprintIsNone) {
+  const std::string target = workspace.path("a.ldif");
+  UndoRecord record = recordOf(target);
+  record.plannedSha256 = std::string(64, 'a');
+  tool::writeUndoRecord(record);
+  const std::string name = fs::path(tool::undoRecordPath(target)).lexically_relative(workspace.path("")).string();
+  const std::string good = workspace.read(name);
+  EXPECT_EQ(tool::readUndoRecord(target)->plannedSha256, record.plannedSha256);
+  for (const std::string& known : {std::string(kFingerprint), record.plannedSha256}) {
+    for (const char* other : {"", "xxh3:", "99aa06d3014798d86001c324468d497f", "xxh3:99AA06D3014798D86001C324468D497F",
+                              "xxh4:99aa06d3014798d86001c324468d497f"}) {
+      if (known == record.plannedSha256 && other[0] == '\0') continue;  // no plan was carried out then
+      std::string text = good;
+      workspace.write(name, text.replace(text.find(known), known.size(), other));
+      EXPECT_THAT(why(target), HasSubstr("it is no record that cfgmig apply has written")) << known << " " << other;
+    }
+  }
 }
 
 TEST_F(UndoRecords, AreRefusedWhenTheirBase64IsNone) {

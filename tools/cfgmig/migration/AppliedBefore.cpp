@@ -4,6 +4,7 @@
 
 #include "Failure.h"
 #include "Saving.h"
+#include "migration/Fingerprint.h"
 #include "report/Sha256.h"
 
 namespace tool {
@@ -14,6 +15,13 @@ bool sameDirectories(const std::optional<SchemaDirectories>& asked,
   if (!asked || !recorded) return !asked && !recorded;
   return std::filesystem::absolute(asked->search).string() == recorded->searchDirectory &&
          asked->target == recorded->targetDirectory;
+}
+
+// A plan may have been made before the apply, or of what it has left.
+bool isOfRecord(const Plan& plan, const UndoRecord& record, const Migration& migration) {
+  const std::string& planned = plan.newFile.sha256;
+  return planned == migration.newInput().sha256 || planned == record.plannedSha256 ||
+         (!record.backup.empty() && planned == sha256OfFile(record.backup));
 }
 
 }  // namespace
@@ -27,20 +35,17 @@ std::optional<UndoRecord> appliedBefore(const Migration& migration, std::vector<
   } catch (const Failure& failure) {
     warnings.insert(warnings.end(), failure.lines().begin(), failure.lines().end());
   }
-  if (!record || record->sha256 != migration.newInput().sha256) return std::nullopt;
-  if (record->oldFile.sha256 != migration.oldInput().sha256) return std::nullopt;
+  if (!record || record->fingerprint != migration.newFingerprint()) return std::nullopt;
+  if (record->oldFile.fingerprint != migration.oldFingerprint()) return std::nullopt;
   if (!request.version.empty() && request.version != record->sourceVersion) return std::nullopt;
-  if (request.plan && request.plan->newFile.sha256 != record->newFile.sha256 &&
-      request.plan->newFile.sha256 != record->sha256) {
-    return std::nullopt;
-  }
+  if (request.plan && !isOfRecord(*request.plan, *record, migration)) return std::nullopt;
   if (!sameDirectories(request.schemas, record->schemas)) return std::nullopt;
   return record;
 }
 
 std::unique_ptr<Migration> replayOf(const Migration& migration, const UndoRecord& record,
                                     std::vector<std::string>& warnings) {
-  if (record.backup.empty() || sha256OfFile(record.backup) != record.newFile.sha256) return nullptr;
+  if (record.backup.empty() || fingerprintOfFile(record.backup) != record.newFile.fingerprint) return nullptr;
   MigrationRequest request = migration.request();
   request.newPath = record.backup;
   request.version = record.sourceVersion;

@@ -16,9 +16,15 @@
 #include "Threads.h"
 #include "TraceControl.h"
 #include "TracedMethod.h"
+#include "migration/Fingerprint.h"
 
 namespace tool {
 namespace {
+
+template <class Made>
+bool isMade(const std::shared_future<Made>& made) {
+  return made.wait_for(std::chrono::seconds(0)) == std::future_status::ready;
+}
 
 // Every value has to be accounted for before anything is written. What does not add up is an error of this program.
 void refuseUnlessItAddsUp(const Ledger& ledger) {
@@ -46,10 +52,11 @@ Migration::Migration(MigrationRequest request) : m_request(std::move(request)) {
   m_new = std::move(opened.now);
   if (!problems.empty()) throw Failure(ExitStatus::failed, problems);
   m_inputs = inputsHashed(false);
+  m_fingerprints = fingerprints(false);
   if (m_request.schemas) refuseTraceInSchemaFiles(m_request.traceFile, *m_request.schemas, {m_old.get(), m_new.get()});
 }
 
-// What a summary says of them needs no fingerprints.
+// What a summary says of them needs no SHA-256.
 Migration::Inputs Migration::inputsUnhashed() const {
   const auto input = [](const char* role, const std::string& path, std::string_view text) {
     return InputFile{role, std::filesystem::absolute(path).string(), {}, text.size()};
@@ -65,6 +72,13 @@ std::shared_future<Migration::Inputs> Migration::inputsHashed(bool isAtOnce) con
   };
   const std::size_t size = oldStore().textAsRead().size() + newStore().textAsRead().size();
   return cfgstore::doBeside(isAtOnce ? size : 0, make).share();
+}
+
+std::shared_future<Migration::Fingerprints> Migration::fingerprints(bool isAtOnce) const {
+  const std::string_view oldText = oldStore().textAsRead();
+  const std::string_view newText = newStore().textAsRead();
+  const auto make = [oldText, newText] { return Fingerprints{fingerprint(oldText), fingerprint(newText)}; };
+  return cfgstore::doBeside(isAtOnce ? oldText.size() + newText.size() : 0, make).share();
 }
 
 std::vector<std::string> Migration::staleInputs() const {
@@ -92,10 +106,10 @@ void Migration::merge(std::vector<std::string>& warnings) {
   newInventory.get();
 
   LedgerBuilder& builder = m_builder.emplace(*m_old, *m_new, source.version);
-  // They may have been made already, to see whether a plan is stale.
-  const bool areMade = m_inputs.wait_for(std::chrono::seconds(0)) == std::future_status::ready;
-  if (m_wantsFingerprints && !areMade) m_inputs = inputsHashed(true);
-  if (m_wantsCheck) m_check.emplace(builder.begun(), newStore(), m_request.schemas ? m_request.schemas->target : "");
+  // They may have been made already, to see whether a plan is stale or was carried out.
+  if (!m_request.onlySums && !isMade(m_inputs)) m_inputs = inputsHashed(true);
+  if (m_willBeWritten && !isMade(m_fingerprints)) m_fingerprints = fingerprints(true);
+  if (m_willBeWritten) m_check.emplace(builder.begun(), newStore(), m_request.schemas ? m_request.schemas->target : "");
   builder.merge();
   if (m_request.schemas) {
     builder.cleanUpBy(traced::kCheckSchemaFiles);

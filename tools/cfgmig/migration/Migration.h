@@ -3,6 +3,7 @@
 #ifndef CFGMIG_TOOL_MIGRATION_MIGRATION_H
 #define CFGMIG_TOOL_MIGRATION_MIGRATION_H
 
+#include <array>
 #include <future>
 #include <memory>
 #include <optional>
@@ -29,18 +30,22 @@ class Migration {
 
   const MigrationRequest& request() const { return m_request; }
 
-  // What was read, with its fingerprint. The fingerprints are made when they are first asked for, or beside the merge
-  // if it is known by then that they will be.
-  void wantFingerprints() { m_wantsFingerprints = true; }
+  // What was read, with its SHA-256, which is made when it is first asked for, or beside the merge if a report is going
+  // to show it.
   const InputFile& oldInput() const { return m_inputs.get()[0]; }
   const InputFile& newInput() const { return m_inputs.get()[1]; }
+
+  // What it is known by (Fingerprint.h): made when it is first asked for, or beside the merge if the result is going to
+  // be written.
+  const std::string& oldFingerprint() const { return m_fingerprints.get()[0]; }
+  const std::string& newFingerprint() const { return m_fingerprints.get()[1]; }
 
   // A line for each input that is not what the plan was made from; empty without a plan.
   std::vector<std::string> staleInputs() const;
 
-  // The result is going to be written and checked: to be called before merge. Much of the check is then done beside
+  // The result is going to be written, checked and noted: to be called before merge. Much of that is then done beside
   // other work.
-  void wantCheck() { m_wantsCheck = true; }
+  void willBeWritten() { m_willBeWritten = true; }
 
   // What is wrong with the result that was written, as selfCheck tells it. Valid after merge; to be called once.
   std::vector<std::string> faultsOfResult();
@@ -71,10 +76,12 @@ class Migration {
   using Inputs = std::vector<InputFile>;
   std::shared_future<Inputs> inputsHashed(bool isAtOnce) const;
   Inputs inputsUnhashed() const;
+  using Fingerprints = std::array<std::string, 2>;
+  std::shared_future<Fingerprints> fingerprints(bool isAtOnce) const;
 
-  bool m_wantsFingerprints = false;
-  bool m_wantsCheck = false;
+  bool m_willBeWritten = false;
   std::shared_future<Inputs> m_inputs;
+  std::shared_future<Fingerprints> m_fingerprints;
   std::string m_sourceVersion;
   std::string m_recognisedFrom;
   std::optional<SchemaCopies> m_schemas;

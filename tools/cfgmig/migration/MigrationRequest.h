@@ -19,7 +19,7 @@ struct MigrationRequest {
   std::string version;  // empty: to be recognised
   std::optional<SchemaDirectories> schemas;
   std::string traceFile;     // empty for none
-  bool onlySums = false;     // no report is asked for but the summary, which has no fingerprints
+  bool onlySums = false;     // no report is asked for but the summary, which has no SHA-256
   std::optional<Plan> plan;  // that the request was read from
   std::string planPath;      // of it
 };

@@ -17,6 +17,7 @@
 #include "JsonText.h"
 #include "NewFile.h"
 #include "PrintableText.h"
+#include "migration/Fingerprint.h"
 #include "report/Sha256.h"
 
 namespace tool {
@@ -25,14 +26,14 @@ namespace {
 using Json = nlohmann::ordered_json;
 
 constexpr const char* kFormat = "cfgmig undo";
-constexpr unsigned kFormatVersion = 1;
+constexpr unsigned kFormatVersion = 2;
 
 [[noreturn]] void fail(const std::string& path, const std::string& why) {
   throw Failure(ExitStatus::failed, ldtr::printable(path) + ": " + why);
 }
 
-Json jsonOf(const InputFile& file) {
-  return {{"path", jsonText(file.path)}, {"sha256", file.sha256}, {"size", file.size}};
+Json jsonOf(const UndoInput& file) {
+  return {{"path", jsonText(file.path)}, {"fingerprint", file.fingerprint}, {"size", file.size}};
 }
 
 Json jsonOf(const UndoRecord& record) {
@@ -42,11 +43,12 @@ Json jsonOf(const UndoRecord& record) {
                {"time", record.time},
                {"source_version", record.sourceVersion},
                {"target", jsonText(record.target)},
-               {"sha256", record.sha256},
+               {"fingerprint", record.fingerprint},
                {"backup", jsonText(record.backup)},
-               {"backup_sha256", record.backupSha256},
+               {"backup_fingerprint", record.backupFingerprint},
                {"old", jsonOf(record.oldFile)},
-               {"new", jsonOf(record.newFile)}};
+               {"new", jsonOf(record.newFile)},
+               {"planned_sha256", record.plannedSha256}};
   json["schemas"] = nullptr;
   if (record.schemas) {
     json["schemas"] = {{"search_directory", jsonText(record.schemas->searchDirectory)},
@@ -55,9 +57,9 @@ Json jsonOf(const UndoRecord& record) {
   json["copies"] = Json::array();
   for (const UndoCopy& copy : record.copies) {
     json["copies"].push_back({{"path", jsonText(copy.path)},
-                              {"sha256", copy.sha256},
+                              {"fingerprint", copy.fingerprint},
                               {"backup", jsonText(copy.backup)},
-                              {"backup_sha256", copy.backupSha256}});
+                              {"backup_fingerprint", copy.backupFingerprint}});
   }
   return json;
 }
@@ -73,14 +75,13 @@ std::string textOf(const Json& json) {
 // The fingerprint of a file, which is given exactly when there is the file.
 std::string fingerprintOf(const Json& json, const std::string& path) {
   std::string text = json.get<std::string>();
-  if (path.empty() ? !text.empty() : !isSha256(text)) throw std::runtime_error("fingerprint");
+  if (path.empty() ? !text.empty() : !isFingerprint(text)) throw std::runtime_error("fingerprint");
   return text;
 }
 
-InputFile inputFrom(const Json& json, const char* role) {
-  InputFile file{role, textOf(json.at("path")), {}, json.at("size").get<std::uint64_t>()};
-  file.sha256 = fingerprintOf(json.at("sha256"), "a file");
-  return file;
+UndoInput inputFrom(const Json& json) {
+  return {textOf(json.at("path")), fingerprintOf(json.at("fingerprint"), "a file"),
+          json.at("size").get<std::uint64_t>()};
 }
 
 UndoRecord recordFrom(const Json& json) {
@@ -90,20 +91,22 @@ UndoRecord recordFrom(const Json& json) {
   record.time = json.at("time").get<std::string>();
   record.sourceVersion = json.at("source_version").get<std::string>();
   record.target = textOf(json.at("target"));
-  record.sha256 = fingerprintOf(json.at("sha256"), record.target);
+  record.fingerprint = fingerprintOf(json.at("fingerprint"), record.target);
   record.backup = textOf(json.at("backup"));
-  record.backupSha256 = fingerprintOf(json.at("backup_sha256"), record.backup);
-  record.oldFile = inputFrom(json.at("old"), "old");
-  record.newFile = inputFrom(json.at("new"), "new");
+  record.backupFingerprint = fingerprintOf(json.at("backup_fingerprint"), record.backup);
+  record.oldFile = inputFrom(json.at("old"));
+  record.newFile = inputFrom(json.at("new"));
+  record.plannedSha256 = json.at("planned_sha256").get<std::string>();
+  if (!record.plannedSha256.empty() && !isSha256(record.plannedSha256)) throw std::runtime_error("fingerprint");
   if (const Json& schemas = json.at("schemas"); !schemas.is_null()) {
     record.schemas = {textOf(schemas.at("search_directory")), textOf(schemas.at("target_directory"))};
   }
   for (const Json& each : json.at("copies")) {
     UndoCopy copy;
     copy.path = textOf(each.at("path"));
-    copy.sha256 = fingerprintOf(each.at("sha256"), copy.path);
+    copy.fingerprint = fingerprintOf(each.at("fingerprint"), copy.path);
     copy.backup = textOf(each.at("backup"));
-    copy.backupSha256 = fingerprintOf(each.at("backup_sha256"), copy.backup);
+    copy.backupFingerprint = fingerprintOf(each.at("backup_fingerprint"), copy.backup);
     record.copies.push_back(std::move(copy));
   }
   return record;

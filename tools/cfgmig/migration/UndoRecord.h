@@ -5,6 +5,7 @@
 #ifndef CFGMIG_TOOL_MIGRATION_UNDORECORD_H
 #define CFGMIG_TOOL_MIGRATION_UNDORECORD_H
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -16,21 +17,29 @@ namespace tool {
 // A schema file that was put in its place.
 struct UndoCopy {
   std::string path;
-  std::string sha256;        // of what was put there
-  std::string backup;        // where a different file went that was there; empty when there was none
-  std::string backupSha256;  // of that; empty when there was none
+  std::string fingerprint;        // of what was put there
+  std::string backup;             // where a different file went that was there; empty when there was none
+  std::string backupFingerprint;  // of that; empty when there was none
+};
+
+// A configuration that was read.
+struct UndoInput {
+  std::string path;
+  std::string fingerprint;
+  std::uint64_t size = 0;  // in bytes
 };
 
 struct UndoRecord {
   std::string toolVersion;
-  std::string time;           // of the apply
-  std::string sourceVersion;  // that was applied
-  std::string target;         // the file that was written, symbolic links resolved
-  std::string sha256;         // of what was written
-  std::string backup;         // where the file went that was there; empty when there was none
-  std::string backupSha256;   // of that; empty when there was none
-  InputFile oldFile;
-  InputFile newFile;
+  std::string time;               // of the apply
+  std::string sourceVersion;      // that was applied
+  std::string target;             // the file that was written, symbolic links resolved
+  std::string fingerprint;        // of what was written
+  std::string backup;             // where the file went that was there; empty when there was none
+  std::string backupFingerprint;  // of that; empty when there was none
+  UndoInput oldFile;
+  UndoInput newFile;
+  std::string plannedSha256;  // of the new configuration, as a plan has it; empty when none was carried out
   std::optional<MergeOptions::Schemas> schemas;
   std::vector<UndoCopy> copies;
 };
