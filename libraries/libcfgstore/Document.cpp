@@ -7,6 +7,7 @@
 #include "LargeMemory.h"
 #include "LdifReader.h"
 #include "NormalDn.h"
+#include "PairReading.h"
 
 namespace cfgstore {
 namespace {
@@ -22,6 +23,20 @@ bool isReservedName(std::string_view name) {
 // Whether an attribute that an entry lacks can be written under this name, and read again.
 bool canBeNewName(std::string_view name) {
   return isAttributeName(name) && !isReservedName(name) && name.size() <= kMostNameBytes;
+}
+
+// Of a text that was read in halves; lines that are not there are those of `other`.
+Habits habitsOf(std::span<const LdifContent> halves, const LdifContent* other) {
+  std::vector<std::span<const Line>> parts;
+  for (const LdifContent& half : halves) {
+    parts.emplace_back(half.lines);
+    for (const EntrySpan& entry : half.entries) {
+      if (entry.alike == kNoEntry) continue;
+      const EntrySpan& theirs = other->entries[entry.alike - 1];
+      parts.push_back(std::span(other->lines).subspan(theirs.dn + 1, theirs.end - theirs.dn - 1));
+    }
+  }
+  return Habits::of(parts);
 }
 
 }  // namespace
@@ -104,7 +119,12 @@ class Document::CutOut : public KnownEntries {
 };
 
 Document::Document(SourceText source, std::vector<Problem>& problems) : m_source(std::move(source)) {
-  read(problems, nullptr, nullptr);
+  LdifContent content;
+  if (readInTurn(content)) {
+    take(std::move(content), nullptr);
+  } else {
+    read(problems, nullptr, nullptr);
+  }
 }
 
 Document::Document(SourceText source, std::vector<Problem>& problems, const Document& model)
@@ -122,7 +142,38 @@ Document::Document(Document& edited, std::vector<Problem>& problems) {
 void Document::read(std::vector<Problem>& problems, const Document* model, KnownEntries* known) {
   LdifContent content = readLdif(m_source.text(), m_arena, known);
   problems = std::move(content.problems);
-  if (!problems.empty()) return;
+  if (problems.empty()) take(std::move(content), model);
+}
+
+// False when there is no turn, or the text is not without problems: then it has to be read by itself.
+bool Document::readInTurn(LdifContent& content) {
+  PairReading::Turn* const turn = PairReading::Turn::take();
+  const std::size_t middle = turn == nullptr ? std::string_view::npos : upperHalfOf(m_source.text());
+  if (middle == std::string_view::npos) {
+    if (turn != nullptr) turn->pass();
+    return false;
+  }
+  const std::string_view text = m_source.text();
+  LdifContent halves[2];  // the lower one and the upper one
+  const auto read = [&](std::size_t half, const LdifContent* other) {
+    halves[half] = half == 0 ? readBeside(other, text.substr(0, middle), m_arena, text.size())
+                             : readBeside(other, text.substr(middle), m_arena, text.size() - middle);
+    return halves[half].problems.empty();
+  };
+  const std::size_t first = turn->side() == PairReading::Side::lowerFirst ? 0 : 1;
+  bool isWell = read(first, nullptr);
+  {
+    const PairReading::Exchange exchange(*turn, {this, isWell ? &halves[first] : nullptr});
+    isWell = isWell && read(1 - first, exchange.theirs().content);
+    if (isWell && turn->learnsHabits()) m_habits = habitsOf(halves, exchange.theirs().content);
+    m_readBeside = exchange.theirs().document;
+  }
+  if (!isWell || !join(halves[0], halves[1])) return false;
+  content = std::move(halves[0]);
+  return true;
+}
+
+void Document::take(LdifContent content, const Document* model) {
   m_lines = std::move(content.lines);
   m_index = std::move(content.index);
   const std::span<const Line> lines(m_lines);
@@ -142,11 +193,17 @@ void Document::read(std::vector<Problem>& problems, const Document* model, Known
     entry.previous = static_cast<EntryId>(i);
     m_entries[i].next = static_cast<EntryId>(i + 1);
     m_longestNormal = std::max(m_longestNormal, span.normal.size());
-    if (span.known == kNoEntry) {
-      entry.dn = lines[span.dn];
-    } else {
+    if (span.known != kNoEntry) {
       takeOver(span.text, model->m_entries[span.known], entry);
+      continue;
     }
+    entry.dn = lines[span.dn];
+    if (span.alike == kNoEntry) continue;
+    entry.body = {};
+    entry.aside = span.text;
+    entry.alike = true;
+    m_linesAlike += span.endLine - span.line;
+    m_hasAllLines = false;
   }
   m_last = static_cast<EntryId>(count);
   if (!m_lines.empty()) m_lastLine = m_lines.back().kind;

@@ -28,11 +28,13 @@
 namespace cfgstore {
 
 class KnownEntries;
+struct LdifContent;
 
 // An operation either succeeds or leaves the document as it was, also when it throws std::bad_alloc.
 class Document {
  public:
-  // Reads the text; problems, if there are any, go to `problems`, and the document is then not to be used.
+  // Reads the text; problems, if there are any, go to `problems`, and the document is then not to be used. It is read
+  // beside another one if this thread has a turn to do so (PairReading.h).
   Document(SourceText source, std::vector<Problem>& problems);
 
   // The same, but for entries that `model` has set aside and that stand here with the very same bytes: these are set
@@ -74,7 +76,7 @@ class Document {
 
   // Not less than there are entries, and values in those that are not set aside; about as many.
   std::size_t mostEntries() const { return m_entries.size(); }
-  std::size_t mostValues() const { return m_lines.size() + m_edits; }
+  std::size_t mostValues() const { return m_lines.size() + m_linesAlike + m_edits; }
 
   // The lines of an entry as it was read, comments above the dn line included.
   std::vector<Line> linesAsRead(EntryId entry) const;
@@ -86,6 +88,7 @@ class Document {
   // `mayBe` is asked in several threads at once.
   using EntryTest = std::function<bool(std::string_view normal, std::span<const Line> lines)>;
   void setAsideEqual(Document& other, const EntryTest& mayBe);
+  void takeApart();  // what was read beside another document, and is not set aside
   std::vector<std::string_view> setAsideLike(const Document& model);
   void putBack(std::string_view normal);
 
@@ -124,6 +127,7 @@ class Document {
   struct Entry {
     std::span<const Line> body;  // as read; empty for a new entry, and for one that was set aside
     std::string_view aside;      // instead of it then: the text, which is read again when its lines are needed
+                                 // (also while `alike`)
     std::span<const Line> gap;   // what stands between this entry and the next
     std::string_view normal;
     std::unique_ptr<EntryLines> lines;
@@ -136,6 +140,7 @@ class Document {
     bool removed = false;
     bool edited = false;
     bool setAside = false;
+    bool alike = false;  // was read beside one of the same name that has the same bytes below the dn line
 
     std::string_view textAsRead() const;
     bool isAsRead() const { return !edited && !removed && !(body.empty() && aside.empty()); }
@@ -152,6 +157,8 @@ class Document {
   std::span<const Line> bodyOf(const Entry& entry, std::vector<Line>& again) const;
   std::size_t setAsideEqual(Document& other, const EntryTest& mayBe, EntryId begin, EntryId end);
   void read(std::vector<Problem>& problems, const Document* model, KnownEntries* known);
+  bool readInTurn(LdifContent& content);
+  void take(LdifContent content, const Document* model);
   EntryId setAsideBehind(EntryId entry) const;
   void takeOver(std::string_view text, const Entry& like, Entry& entry);
   void dropLinesSetAside();
@@ -176,6 +183,8 @@ class Document {
   bool m_edited = false;
   std::size_t m_edits = 0;
   std::size_t m_valuesSetAside = 0;
+  const Document* m_readBeside = nullptr;  // what entries are alike to; it may be gone
+  std::size_t m_linesAlike = 0;            // that are not in m_lines since their entries are alike, or more
   std::optional<Habits> m_habits;
   bool m_hasAllLines = true;
   std::string m_separator;

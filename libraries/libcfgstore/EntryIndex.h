@@ -54,6 +54,24 @@ class EntryIndex {
     ++m_used;
   }
 
+  // Adds all of `other`, whose entry i is entry i + `offset` here. False, and nothing is to be looked up any more, if
+  // an entry of `other` has the key of one that is here. `keyOf` is for the numbers here.
+  template <class KeyOf>
+  bool append(const EntryIndex& other, EntryId offset, const KeyOf& keyOf) {
+    reserve(other.m_used);
+    for (Slot slot : other.m_slots) {
+      if (slot.entry == kNoEntry) continue;
+      slot.entry += offset;
+      std::size_t at = slot.hash & mask();
+      for (; m_slots[at].entry != kNoEntry; at = (at + 1) & mask()) {
+        if (m_slots[at].hash == slot.hash && keyOf(m_slots[at].entry) == keyOf(slot.entry)) return false;
+      }
+      m_slots[at] = slot;
+      ++m_used;
+    }
+    return true;
+  }
+
   void erase(std::string_view key, EntryId entry) noexcept;
 
  private:

@@ -22,6 +22,11 @@ std::string_view textOf(std::span<const Line> lines) {
   return {lines.front().raw, static_cast<std::size_t>(last.raw + last.size - lines.front().raw)};
 }
 
+// Lines that go on are counted more than once.
+std::size_t mostLinesIn(std::string_view text) {
+  return static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n')) + 1;
+}
+
 std::uint32_t valuesIn(std::span<const Line> lines) {
   return static_cast<std::uint32_t>(
       std::count_if(lines.begin(), lines.end(), [](const Line& line) { return line.kind == LineKind::attribute; }));
@@ -53,10 +58,14 @@ std::vector<Line> Document::linesAsRead(EntryId entry) const {
   return again.empty() ? std::vector<Line>(lines.begin(), lines.end()) : again;
 }
 
-// Lines take a third of the memory that the text takes, and nobody looks at these.
+// Lines take a third of the memory that the text takes, and nobody looks at these. Of those that are needed, all are
+// there afterwards.
 void Document::dropLinesSetAside() {
-  std::size_t count = m_lines.size();
-  for (const Entry& entry : m_entries) count -= entry.setAside ? entry.body.size() : 0;
+  std::size_t count = 0;
+  for (const Entry& entry : m_entries) {
+    const bool comesBack = entry.alike && !entry.setAside;
+    count += entry.gap.size() + (entry.setAside ? 0 : comesBack ? mostLinesIn(entry.aside) : entry.body.size());
+  }
   std::vector<Line> left;
   reserveLarge(left, count);  // so that the spans stay valid
   const auto keep = [&left](std::span<const Line>& lines) {
@@ -64,17 +73,30 @@ void Document::dropLinesSetAside() {
     left.insert(left.end(), lines.begin(), lines.end());
     lines = std::span<const Line>(left).subspan(at);
   };
+  std::vector<Line> again;
   for (Entry& entry : m_entries) {
     if (entry.setAside && !entry.body.empty()) {
       entry.aside = textOf(entry.body);
       entry.body = {};
     } else {
+      if (entry.alike && !entry.setAside) {
+        entry.body = bodyOf(entry, again);
+        entry.aside = {};
+      }
       keep(entry.body);
     }
+    entry.alike = false;
     keep(entry.gap);
   }
   m_hasAllLines = m_hasAllLines && left.size() == m_lines.size();
   m_lines = std::move(left);
+  m_linesAlike = 0;
+}
+
+void Document::takeApart() {
+  if (m_readBeside == nullptr) return;
+  dropLinesSetAside();
+  m_readBeside = nullptr;
 }
 
 // Looks at the entries from `begin` on, to before `end`. No two of them have the same counterpart.
@@ -89,8 +111,10 @@ std::size_t Document::setAsideEqual(Document& other, const EntryTest& mayBe, Ent
     Entry& theirs = other.m_entries[next];
     next = theirs.next;
     if (!theirs.lastsAsRead() || theirs.setAside) continue;
-    const std::span<const Line> lines = mine.linesBelowDn();
-    if (textOf(lines) != textOf(theirs.linesBelowDn()) || !mayBe(mine.normal, lines)) continue;
+    // Of two that are alike, one was taken apart.
+    const std::span<const Line> lines = mine.alike ? theirs.linesBelowDn() : mine.linesBelowDn();
+    const bool isEqual = mine.alike || theirs.alike || textOf(lines) == textOf(theirs.linesBelowDn());
+    if (!isEqual || !mayBe(mine.normal, lines)) continue;
     mine.setAside = theirs.setAside = true;
     mine.valuesSetAside = theirs.valuesSetAside = valuesIn(lines);
     count += mine.valuesSetAside;
@@ -99,6 +123,10 @@ std::size_t Document::setAsideEqual(Document& other, const EntryTest& mayBe, Ent
 }
 
 void Document::setAsideEqual(Document& other, const EntryTest& mayBe) {
+  if (m_readBeside != &other || other.m_readBeside != this) {
+    takeApart();
+    other.takeApart();
+  }
   const std::size_t size = m_source.text().size();
   const auto end = static_cast<EntryId>(m_entries.size());
   const EntryId middle = end / 2;
@@ -177,6 +205,8 @@ bool holdsText(const std::string& path, const std::vector<std::string_view>& pie
     return false;
   }
 }
+
+void takeApart(ConfigStore& store) { store.document().takeApart(); }
 
 void learnHabits(ConfigStore& store) { store.document().habits(); }
 

@@ -29,6 +29,10 @@ using EqualEntryTest = std::function<bool(std::string_view normal, std::span<con
 // line has no end.
 void setAsideEqualEntries(ConfigStore& one, ConfigStore& other, const EqualEntryTest& mayBe);
 
+// Of stores that were opened as a pair (PairReading.h) and in which nothing is going to be set aside: has what both
+// hold alike taken apart in this one as well. Without it, such an entry is read again whenever it is looked at.
+void takeApart(ConfigStore& store);
+
 // Looks at how the file of `store` is written, which new lines will follow. Worth calling before entries are set aside
 // in a store that is going to be written to: afterwards the first write has to read the whole file again for it.
 void learnHabits(ConfigStore& store);

@@ -55,11 +55,27 @@ RemarkKind kindOf(LineFault fault) {
   return RemarkKind::zeroByteInValue;
 }
 
+std::size_t physicalLinesOf(const Line& line) {
+  const std::string_view text = line.text();
+  return static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
+}
+
 class Reader {
  public:
   Reader(std::string_view text, TextArena& arena, const OnProblem& onProblem, std::size_t mostLines,
          KnownEntries* known)
-      : m_text(text), m_arena(arena), m_onProblem(onProblem), m_mostLines(mostLines), m_known(known) {}
+      : m_text(text),
+        m_arena(arena),
+        m_onProblem(onProblem),
+        m_mostLines(mostLines),
+        m_known(known),
+        m_room(text.size()) {}
+
+  // Passes over what `other` has as well, and makes room for a text of `room` bytes.
+  void beside(const LdifContent* other, std::size_t room) {
+    m_other = other;
+    m_room = room;
+  }
 
   LdifContent read();
 
@@ -68,6 +84,8 @@ class Reader {
 
   void reserveRoom();
   bool passKnown(std::size_t& at);
+  void passAlike(std::size_t& at);
+  EntryId findInOther(std::string_view normal);
   std::size_t endOfLogicalLine(std::size_t begin);
   void lookForRareBytes(std::size_t end);
   void readLine(std::string_view line);
@@ -93,6 +111,10 @@ class Reader {
   const OnProblem& m_onProblem;
   std::size_t m_mostLines;
   KnownEntries* m_known;
+  const LdifContent* m_other = nullptr;
+  std::size_t m_nextInOther = 0;  // mostly both have the same order
+  bool m_isBelowDn = false;       // right below the dn line of an entry that is named
+  std::size_t m_room;
   LdifContent m_content;
   Place m_place = Place::outside;
   std::size_t m_lineNumber = 1;        // of the first physical line of the logical line at hand
@@ -127,8 +149,10 @@ LdifContent Reader::read() {
     readLine(m_text.substr(at, end - at));
     m_lineNumber += m_physicalLines;
     at = end;
+    if (m_other != nullptr && m_isBelowDn) passAlike(at);
   }
   endEntry();
+  m_content.physicalLines = m_lineNumber - 1;
   return std::move(m_content);
 }
 
@@ -143,11 +167,10 @@ void Reader::problemOn(std::size_t lineNumber, RemarkKind kind, std::string text
 // short enough, and entries of four such lines.
 void Reader::reserveRoom() {
   const std::string_view sample = m_text.substr(0, kSample);
-  const double parts =
-      1.1 * static_cast<double>(m_text.size()) / static_cast<double>(std::max<std::size_t>(1, sample.size()));
+  const double parts = 1.1 * static_cast<double>(m_room) / static_cast<double>(std::max<std::size_t>(1, sample.size()));
   const auto room = [&](std::size_t inSample, std::size_t leastBytes) {
     const auto expected = static_cast<std::size_t>(parts * static_cast<double>(inSample));
-    return std::min(expected, m_text.size() / leastBytes) + 16;
+    return std::min(expected, m_room / leastBytes) + 16;
   };
   reserveLarge(m_content.lines,
                room(static_cast<std::size_t>(std::count(sample.begin(), sample.end(), '\n')), kShortLine));
@@ -189,6 +212,41 @@ bool Reader::passKnown(std::size_t& at) {
   m_known->wasThere();
   at = end;
   return true;
+}
+
+EntryId Reader::findInOther(std::string_view normal) {
+  const auto& entries = m_other->entries;
+  if (m_nextInOther < entries.size() && entries[m_nextInOther].normal == normal) {
+    return static_cast<EntryId>(++m_nextInOther);
+  }
+  const EntryId found = m_other->index.find(normal, [&](EntryId id) { return entries[id - 1].normal; });
+  if (found != kNoEntry) m_nextInOther = found;
+  return found;
+}
+
+// An entry goes on to the next empty line or to the end: so the same bytes between such places are the same lines, and
+// there is nothing wrong with them if there was nothing wrong with them there.
+void Reader::passAlike(std::size_t& at) {
+  m_isBelowDn = false;
+  EntrySpan& mine = m_content.entries.back();
+  const EntryId found = findInOther(mine.normal);
+  if (found == kNoEntry) return;
+  const EntrySpan& theirs = m_other->entries[found - 1];
+  if (theirs.alike != kNoEntry || theirs.end == theirs.dn + 1) return;
+  const Line& dn = m_other->lines[theirs.dn];
+  const Line& last = m_other->lines[theirs.end - 1];
+  const char* const begin = dn.raw + dn.size;
+  const std::string_view below(begin, static_cast<std::size_t>(last.raw + last.size - begin));
+  if (!below.ends_with('\n') || !m_text.substr(at).starts_with(below)) return;
+  const std::string_view rest = m_text.substr(at + below.size());
+  if (!rest.empty() && !rest.starts_with('\n') && !rest.starts_with("\r\n")) return;
+
+  at += below.size();
+  const char* const text = m_content.lines[mine.first].raw;
+  mine.text = {text, static_cast<std::size_t>(m_text.data() + at - text)};
+  mine.alike = found;
+  m_lineNumber += theirs.endLine - theirs.line - physicalLinesOf(dn);
+  m_lookedAt = std::max(m_lookedAt, at);
 }
 
 // Once there has been a zero byte or a carriage return, lines are searched for more. Looked for in blocks that stay in
@@ -312,6 +370,7 @@ void Reader::readDn(const Line& line) {
       startEntry(std::nullopt);
     } else {
       startEntry(kept(*normal, dn, line));
+      m_isBelowDn = true;
     }
   }
   m_content.lines.push_back(line);
@@ -332,13 +391,15 @@ void Reader::startEntry(std::optional<std::string_view> normal) {
   endEntry();
   const std::size_t at = m_content.lines.size();
   const std::size_t first = m_commentBlock == kNone ? at : m_commentBlock;
-  m_content.entries.push_back({first, at, at, m_lineNumber, normal.value_or(""), normal.has_value()});
+  m_content.entries.push_back({first, at, at, m_lineNumber, m_lineNumber, normal.value_or(""), normal.has_value()});
   m_commentBlock = kNone;
   m_place = Place::inEntry;
 }
 
 void Reader::endEntry() {
-  if (m_place == Place::inEntry) m_content.entries.back().end = m_content.lines.size();
+  if (m_place != Place::inEntry) return;
+  m_content.entries.back().end = m_content.lines.size();
+  m_content.entries.back().endLine = m_lineNumber;
 }
 
 void Reader::readAttribute(const Line& line, std::string_view name) {
@@ -374,21 +435,40 @@ std::size_t Reader::physicalLineOf(std::string_view line, std::size_t at) const 
   return m_lineNumber + static_cast<std::size_t>(above);
 }
 
-}  // namespace
-
-LdifContent readLdif(std::string_view text, TextArena& arena, KnownEntries* known) {
-  std::vector<Problem> problems;
-  const auto onProblem = [&problems](Problem problem) {
-    if (problems.size() == kMostProblems) {
-      problems.push_back(
+// Those that one run tells.
+class FirstProblems {
+ public:
+  bool operator()(Problem problem) {
+    if (m_problems.size() == kMostProblems) {
+      m_problems.push_back(
           {problem.line, "too many problems; the rest of the file was not read", RemarkKind::tooManyProblems});
       return false;
     }
-    problems.push_back(std::move(problem));
+    m_problems.push_back(std::move(problem));
     return true;
-  };
-  LdifContent content = readLdif(text, arena, onProblem, kMostLines, known);
-  content.problems = std::move(problems);
+  }
+  std::vector<Problem> take() { return std::move(m_problems); }
+
+ private:
+  std::vector<Problem> m_problems;
+};
+
+}  // namespace
+
+LdifContent readLdif(std::string_view text, TextArena& arena, KnownEntries* known) {
+  FirstProblems problems;
+  LdifContent content = readLdif(text, arena, std::ref(problems), kMostLines, known);
+  content.problems = problems.take();
+  return content;
+}
+
+LdifContent readBeside(const LdifContent* other, std::string_view text, TextArena& arena, std::size_t room) {
+  FirstProblems problems;
+  const OnProblem onProblem = std::ref(problems);
+  Reader reader(text, arena, onProblem, kMostLines, nullptr);
+  reader.beside(other, room);
+  LdifContent content = reader.read();
+  content.problems = problems.take();
   return content;
 }
 

@@ -25,6 +25,7 @@ struct EntrySpan {
   std::size_t dn = 0;
   std::size_t end = 0;
   std::size_t line = 0;     // the number of the dn line, from 1
+  std::size_t endLine = 0;  // the number of the line behind its last
   std::string_view normal;  // the DN in normal form
   // The next two are as they are here unless problems were reported:
   bool named = true;  // false when the DN is bad or that of an earlier entry; `normal` is then empty, and there may be
@@ -34,6 +35,9 @@ struct EntrySpan {
   // its lines are in the table.
   std::string_view text = {};
   EntryId known = kNoEntry;
+  // Of an entry that was read beside another text which has the same bytes below the dn line (readBeside): its number
+  // there, and in `text` all of it here. Up to the dn line its lines are in the table, below it none.
+  EntryId alike = kNoEntry;
 };
 
 // Entries that were admitted as a part of another text, and are not taken apart again. There is always one that is
@@ -58,7 +62,8 @@ class KnownEntries {
 struct LdifContent {
   std::vector<Line> lines;  // all of the text, in order
   std::vector<EntrySpan> entries;
-  EntryIndex index;               // entry i of `entries` under the number i + 1
+  EntryIndex index;  // entry i of `entries` under the number i + 1
+  std::size_t physicalLines = 0;
   std::vector<Problem> problems;  // in the order of their lines; if there are any, the rest is not to be used
 };
 
@@ -72,8 +77,12 @@ constexpr std::size_t kMostLines = 0xfffffff0;  // entries and lines are numbere
 // what there is to mend, but no further than kMostProblems.
 LdifContent readLdif(std::string_view text, TextArena& arena, KnownEntries* known = nullptr);
 
-// The same, with all problems handed to `onProblem` and none in the result. What the result holds is then good for
-// looking for more to tell, and for nothing else. A text of more than `mostLines` lines is not read any further.
+// Reads one of the halves of a text. Entries that `other` has as well are not taken apart again; it may be null, and
+// has no problems. There is going to be room for what a text of `room` bytes holds.
+LdifContent readBeside(const LdifContent* other, std::string_view text, TextArena& arena, std::size_t room);
+
+// As readLdif, but with all problems handed to `onProblem` and none in the result. What the result holds is then good
+// for looking for more to tell, and for nothing else. A text of more than `mostLines` lines is not read any further.
 LdifContent readLdif(std::string_view text, TextArena& arena, const OnProblem& onProblem,
                      std::size_t mostLines = kMostLines, KnownEntries* known = nullptr);
 

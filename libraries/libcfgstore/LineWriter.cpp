@@ -111,9 +111,13 @@ Habits HabitCounter::result() const {
 
 }  // namespace
 
-Habits Habits::of(std::span<const Line> lines) {
+Habits Habits::of(std::span<const Line> lines) { return of(std::span(&lines, 1)); }
+
+Habits Habits::of(std::span<const std::span<const Line>> parts) {
   HabitCounter counter;
-  for (const Line& line : lines) counter.count(line);
+  for (const std::span<const Line> lines : parts) {
+    for (const Line& line : lines) counter.count(line);
+  }
   return counter.result();
 }
 

@@ -21,6 +21,7 @@ struct Habits {
   std::size_t emptyLinesBetweenEntries = 1;
 
   static Habits of(std::span<const Line> lines);
+  static Habits of(std::span<const std::span<const Line>> parts);  // of a file
 };
 
 // True when `value` has to be written in base64, because a plain one would be read back as something else or is no

@@ -14,7 +14,6 @@
 #include "OutputFile.h"
 #include "SettledEntries.h"
 #include "Target.h"
-#include "TraceControl.h"
 #include "Tracing.h"
 
 namespace tool {
@@ -50,8 +49,7 @@ ExitStatus runCompare(const Arguments& arguments, Console& console) {
   auto [oldConfiguration, newConfiguration] = openConfigurations(inputs.oldFile.path, inputs.newFile.path, problems);
   if (!problems.empty()) throw Failure(ExitStatus::failed, problems);
   startTracing(arguments);
-  // A trace tells of every entry; without one, nobody sees whether equal entries were compared value by value.
-  if (ldtr::events() == 0) setSettledEntriesAside(storeOf(*oldConfiguration), storeOf(*newConfiguration));
+  setSettledEntriesAsideUnlessTraced(storeOf(*oldConfiguration), storeOf(*newConfiguration));
   auto newInventory = readInventoryBeside(*newConfiguration);
   readInventory(*oldConfiguration);
   newInventory.get();

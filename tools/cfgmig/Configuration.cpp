@@ -2,16 +2,20 @@
 
 #include <sys/stat.h>
 
+#include <chrono>
 #include <cstdint>
 #include <exception>
 #include <future>
 #include <new>
+#include <optional>
+#include <type_traits>
 #include <utility>
 
 #include "ConfigStore.h"
 #include "EqualEntries.h"
 #include "Failure.h"
 #include "LargeHeap.h"
+#include "PairReading.h"
 #include "PrintableText.h"
 #include "SizeLimit.h"
 #include "Threads.h"
@@ -55,29 +59,42 @@ std::unique_ptr<Store> open(const std::string& path, std::vector<std::string>& p
   return openBy([&] { return std::make_unique<Store>(path.c_str(), arguments...); }, path, problems);
 }
 
-// Reading a large file is worth a thread; what is opened does not share anything. `then` sees the number of what was
-// opened, and that.
-template <class Store, class Then>
+using cfgstore::PairReading;
+
+bool isDeferred(const auto& future) { return future.wait_for(std::chrono::seconds(0)) == std::future_status::deferred; }
+
+// Reading a large file is worth a thread; what is opened does not share anything. Two of them are read as a pair.
+template <class Store>
 std::vector<std::unique_ptr<Store>> openAll(std::span<const std::string> paths, std::vector<std::string>& problems,
-                                            const Then& then) {
+                                            Learns learns = Learns::nothing) {
   struct Opened {
     std::unique_ptr<Store> store;
     std::vector<std::string> problems;
   };
+  PairReading pair;
+  if (paths.size() != 2) pair.giveUp();
   const auto openOne = [&](const std::string& path) {
+    const bool isFirst = &path == &paths.front();
+    const bool learnsHabits = !isFirst && learns == Learns::habits;
+    const PairReading::Turn turn(pair, isFirst ? PairReading::Side::lowerFirst : PairReading::Side::upperFirst,
+                                 learnsHabits);
     Opened opened;
     opened.store = open<Store>(path, opened.problems, nullptr);
-    if (opened.store) then(static_cast<std::size_t>(&path - paths.data()), *opened.store);
+    if constexpr (std::is_same_v<Store, ConfigFile>) {
+      if (opened.store && learnsHabits) cfgstore::learnHabits(storeOf(*opened.store));
+    }
     return opened;
   };
   std::uint64_t all = 0;
   for (const std::string& path : paths) all += sizeOf(path);
   makeRoomFor(all);
   std::vector<std::future<Opened>> pending;
+  pending.reserve(paths.size());  // nothing may fail between two turns
   for (const std::string& path : paths) {
     const std::uint64_t bytes = &path == &paths.front() ? 0 : sizeOf(path);  // one can be read in this thread
     pending.push_back(cfgstore::doBeside(bytes, [&openOne, &path] { return openOne(path); }));
   }
+  if (isDeferred(pending.back())) pair.giveUp();
   std::vector<std::unique_ptr<Store>> stores;
   for (std::future<Opened>& each : pending) {
     Opened opened = each.get();
@@ -97,15 +114,13 @@ std::unique_ptr<ConfigFile> openConfiguration(const std::string& path, std::vect
 OpenPair openConfigurations(const std::string& oldPath, const std::string& newPath, std::vector<std::string>& problems,
                             Learns learns) {
   const std::string paths[] = {oldPath, newPath};
-  auto opened = openAll<ConfigFile>(paths, problems, [&](std::size_t number, ConfigFile& configuration) {
-    if (number == 1 && learns == Learns::habits) cfgstore::learnHabits(storeOf(configuration));
-  });
+  auto opened = openAll<ConfigFile>(paths, problems, learns);
   return {std::move(opened[0]), std::move(opened[1])};
 }
 
 std::vector<std::unique_ptr<OVOConfigUtils::CfgUtils>> openAllUtils(std::span<const std::string> paths,
                                                                     std::vector<std::string>& problems) {
-  return openAll<OVOConfigUtils::CfgUtils>(paths, problems, [](std::size_t, OVOConfigUtils::CfgUtils&) {});
+  return openAll<OVOConfigUtils::CfgUtils>(paths, problems);
 }
 
 std::unique_ptr<cfgstore::ConfigStore> openStore(const std::string& path) {

@@ -8,6 +8,7 @@
 
 #include "EqualEntries.h"
 #include "NormalDn.h"
+#include "TraceControl.h"
 #include "audit/Rules.h"
 
 namespace tool {
@@ -64,6 +65,12 @@ void setSettledEntriesAside(cfgstore::ConfigStore& old, cfgstore::ConfigStore& n
              return line.kind == cfgstore::LineKind::attribute && isLookedAt(line, scratch);
            });
   });
+}
+
+void setSettledEntriesAsideUnlessTraced(cfgstore::ConfigStore& old, cfgstore::ConfigStore& now) {
+  if (ldtr::events() == 0) return setSettledEntriesAside(old, now);
+  cfgstore::takeApart(old);
+  cfgstore::takeApart(now);
 }
 
 void settleWithResult(cfgstore::ConfigStore& old, cfgstore::ConfigStore& before, cfgstore::ConfigStore& result) {

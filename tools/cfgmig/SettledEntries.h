@@ -15,6 +15,10 @@ namespace tool {
 // findings are the same without them: an entry with a setting that they look at stays, whoever's it is.
 void setSettledEntriesAside(cfgstore::ConfigStore& old, cfgstore::ConfigStore& now);
 
+// The same unless a trace is written, which tells of every entry; without one, nobody sees whether equal entries were
+// gone through.
+void setSettledEntriesAsideUnlessTraced(cfgstore::ConfigStore& old, cfgstore::ConfigStore& now);
+
 // Of a migration that is finished only those are settled that `result` holds with the same bytes as `before`, too: sets
 // these aside in `result`, and puts the others back in the other two.
 void settleWithResult(cfgstore::ConfigStore& old, cfgstore::ConfigStore& before, cfgstore::ConfigStore& result);

@@ -14,7 +14,6 @@
 #include "SettledEntries.h"
 #include "SourceVersion.h"
 #include "Threads.h"
-#include "TraceControl.h"
 #include "TracedMethod.h"
 #include "migration/Fingerprint.h"
 
@@ -95,8 +94,7 @@ std::vector<std::string> Migration::staleInputs() const {
 }
 
 void Migration::merge(std::vector<std::string>& warnings) {
-  // A trace tells of every entry; without one, nobody sees whether equal entries were merged.
-  if (ldtr::events() == 0) setSettledEntriesAside(oldStore(), newStore());
+  setSettledEntriesAsideUnlessTraced(oldStore(), newStore());
   auto newInventory = readInventoryBeside(*m_new);
   readInventory(*m_old);
   const SourceVersion source = sourceVersionOf(*m_old->getCfgUtils(), m_request.oldPath, m_request.version);
