@@ -1,9 +1,14 @@
 // physical_limit.cpp -- what no program that compares or merges two configurations can do without: look at every line
 // of both files and, for a merge, bring a file of the result's size to the disk.
 //
-//   physical_limit OLD NEW         maps both files and hashes each of their lines, in one thread
-//   physical_limit OLD NEW OUT     and then puts a file of NEW's bytes at OUT, as a careful program replaces a file:
-//                                  written once beside it, brought to the disk, renamed, the directory synced
+//   physical_limit [--plainly] OLD NEW         maps both files and hashes each of their lines, in one thread
+//   physical_limit [--plainly] OLD NEW OUT     and then puts a file of NEW's bytes at OUT, as a careful program replaces
+//                                              a file: written once beside it, brought to the disk, renamed, the
+//                                              directory synced
+//
+// It does so as fast as we know how: the files are mapped in one step, and the hash is made as fast as memory is read.
+// With --plainly it is what one writes without a second thought: pages are mapped when they are touched, and the hash is
+// the standard library's.
 //
 // Prints the number of lines and a digest of them, so that no compiler can leave the work out.
 
@@ -18,6 +23,7 @@
 #include <cstdint>
 #include <cstring>
 #include <filesystem>
+#include <functional>
 #include <iostream>
 #include <string>
 #include <string_view>
@@ -28,13 +34,13 @@ namespace {
 [[noreturn]] void fail(const std::string& what) { throw std::system_error(errno, std::generic_category(), what); }
 
 // Lives as long as the process.
-std::string_view mapped(const char* path) {
+std::string_view mapped(const char* path, bool isPlain) {
   const int descriptor = ::open(path, O_RDONLY | O_CLOEXEC);
   struct stat status {};
   if (descriptor < 0 || ::fstat(descriptor, &status) != 0) fail(path);
   const std::size_t size = static_cast<std::size_t>(status.st_size);
   if (size == 0) return {};
-  void* const start = ::mmap(nullptr, size, PROT_READ, MAP_PRIVATE | MAP_POPULATE, descriptor, 0);
+  void* const start = ::mmap(nullptr, size, PROT_READ, isPlain ? MAP_PRIVATE : MAP_PRIVATE | MAP_POPULATE, descriptor, 0);
   if (start == MAP_FAILED) fail(path);
   ::close(descriptor);
   return {static_cast<const char*>(start), size};
@@ -44,12 +50,13 @@ struct Lines {
   std::uint64_t count = 0;
   std::uint64_t digest = 0;
 
-  void add(std::string_view text) {
+  template <class Hash>
+  void add(std::string_view text, const Hash& hash) {
     while (!text.empty()) {
       const void* const end = std::memchr(text.data(), '\n', text.size());
       const std::size_t length =
           end == nullptr ? text.size() : static_cast<std::size_t>(static_cast<const char*>(end) - text.data());
-      digest += XXH3_64bits(text.data(), length);
+      digest += hash(text.substr(0, length));
       ++count;
       text.remove_prefix(end == nullptr ? length : length + 1);
     }
@@ -83,16 +90,26 @@ void replace(const std::string& path, std::string_view text) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  const bool isPlain = argc > 1 && std::string_view(argv[1]) == "--plainly";
+  if (isPlain) {
+    --argc;
+    ++argv;
+  }
   if (argc != 3 && argc != 4) {
-    std::cerr << "usage: physical_limit OLD NEW [OUT]\n";
+    std::cerr << "usage: physical_limit [--plainly] OLD NEW [OUT]\n";
     return 2;
   }
   try {
-    const std::string_view old = mapped(argv[1]);
-    const std::string_view now = mapped(argv[2]);
+    const std::string_view old = mapped(argv[1], isPlain);
+    const std::string_view now = mapped(argv[2], isPlain);
     Lines lines;
-    lines.add(old);
-    lines.add(now);
+    for (const std::string_view text : {old, now}) {
+      if (isPlain) {
+        lines.add(text, std::hash<std::string_view>());
+      } else {
+        lines.add(text, [](std::string_view line) { return XXH3_64bits(line.data(), line.size()); });
+      }
+    }
     if (argc == 4) replace(argv[3], now);
     std::cout << lines.count << " lines, digest " << lines.digest << '\n';
   } catch (const std::exception& error) {

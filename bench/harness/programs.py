@@ -6,6 +6,8 @@ PERL = "/usr/bin/perl"
 
 LIMIT_READ = "limit: read"
 LIMIT_WRITE = "limit: read and write"
+PLAIN_READ = "plain limit: read"
+PLAIN_WRITE = "plain limit: read and write"
 C_MERGE = "libldap in C: merge"
 C_DIFFERENCE = "libldap in C: difference"
 PYTHON_MERGE = "python3-ldap: merge"
@@ -48,9 +50,11 @@ def steps(programs, files):
     return [
         Step(LIMIT_READ, [programs["physical_limit"], old, new]),
         command("compare", *pair),
+        Step(PLAIN_READ, [programs["physical_limit"], "--plainly", old, new]),
         *alternatives("difference"),
         Step(LIMIT_WRITE, [programs["physical_limit"], old, new, limit], out=(limit,), writes=True),
         command("apply", "--old", old, "--new", target, needs_fresh_target=True, writes=True),
+        Step(PLAIN_WRITE, [programs["physical_limit"], "--plainly", old, new, limit], out=(limit,), writes=True),
         command("verify", "--old", old, "--before", new, "--result", target, after="cfgmig apply"),
         command("undo", target, after="cfgmig apply", writes=True),
         *alternatives("merge"),

@@ -1,6 +1,7 @@
 """Checks on a small pair that the generator keeps its promise and that every program does what it is measured for: a
 program that does nothing would be the fastest of all."""
 import io
+import os
 import re
 import subprocess
 import unittest
@@ -84,10 +85,12 @@ def check_tool(runner, paths, files, old, new):
 def check_limit(paths, files, data):
     out = files.path("limit.conf")
     lines = sum(each.count(b"\n") for each in data)
-    for arguments in ([], [out]):
-        said = answer(paths["physical_limit"], files.old, files.new, *arguments)
-        expect(said.startswith(b"%d lines" % lines), "physical_limit has not seen every line")
-    expect(bytes_of(out) == data[1], "physical_limit wrote something else")
+    for mode in ([], ["--plainly"]):
+        for arguments in ([], [out]):
+            said = answer(paths["physical_limit"], *mode, files.old, files.new, *arguments)
+            expect(said.startswith(b"%d lines" % lines), "physical_limit has not seen every line")
+        expect(bytes_of(out) == data[1], "physical_limit wrote something else")
+        os.remove(out)
 
 
 def check_verdicts():

@@ -24,6 +24,10 @@ class Ratio:
 RATIOS = [
     Ratio("apply takes at most 5 times the limit", "cfgmig apply", programs.LIMIT_WRITE, 5, at_most=True),
     Ratio("compare takes at most 5 times the reading half", "cfgmig compare", programs.LIMIT_READ, 5, at_most=True),
+    Ratio("by the limit written plainly, apply takes at most 5 times", "cfgmig apply", programs.PLAIN_WRITE, 5,
+          at_most=True),
+    Ratio("by the limit written plainly, compare takes at most 5 times", "cfgmig compare", programs.PLAIN_READ, 5,
+          at_most=True),
     Ratio("apply is at least 12 times faster than python3-ldap", programs.PYTHON_MERGE, "cfgmig apply", 12),
     Ratio("compare is at least 12 times faster than python3-ldap", programs.PYTHON_DIFFERENCE, "cfgmig compare", 12),
     Ratio("apply is at least 30 times faster than Net::LDAP::LDIF", programs.PERL_MERGE, "cfgmig apply", 30),
