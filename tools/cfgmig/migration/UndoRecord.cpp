@@ -23,7 +23,7 @@
 namespace tool {
 namespace {
 
-using Json = nlohmann::ordered_json;
+using OrderedJson = nlohmann::ordered_json;
 
 constexpr const char* kFormat = "cfgmig undo";
 constexpr unsigned kFormatVersion = 2;
@@ -32,29 +32,29 @@ constexpr unsigned kFormatVersion = 2;
   throw Failure(ExitStatus::failed, ldtr::printable(path) + ": " + why);
 }
 
-Json jsonOf(const UndoInput& file) {
+OrderedJson jsonOf(const UndoInput& file) {
   return {{"path", jsonText(file.path)}, {"fingerprint", file.fingerprint}, {"size", file.size}};
 }
 
-Json jsonOf(const UndoRecord& record) {
-  Json json = {{"format", kFormat},
-               {"format_version", kFormatVersion},
-               {"tool_version", record.toolVersion},
-               {"time", record.time},
-               {"source_version", record.sourceVersion},
-               {"target", jsonText(record.target)},
-               {"fingerprint", record.fingerprint},
-               {"backup", jsonText(record.backup)},
-               {"backup_fingerprint", record.backupFingerprint},
-               {"old", jsonOf(record.oldFile)},
-               {"new", jsonOf(record.newFile)},
-               {"planned_sha256", record.plannedSha256}};
+OrderedJson jsonOf(const UndoRecord& record) {
+  OrderedJson json = {{"format", kFormat},
+                      {"format_version", kFormatVersion},
+                      {"tool_version", record.toolVersion},
+                      {"time", record.time},
+                      {"source_version", record.sourceVersion},
+                      {"target", jsonText(record.target)},
+                      {"fingerprint", record.fingerprint},
+                      {"backup", jsonText(record.backup)},
+                      {"backup_fingerprint", record.backupFingerprint},
+                      {"old", jsonOf(record.oldFile)},
+                      {"new", jsonOf(record.newFile)},
+                      {"planned_sha256", record.plannedSha256}};
   json["schemas"] = nullptr;
   if (record.schemas) {
     json["schemas"] = {{"search_directory", jsonText(record.schemas->searchDirectory)},
                        {"target_directory", jsonText(record.schemas->targetDirectory)}};
   }
-  json["copies"] = Json::array();
+  json["copies"] = OrderedJson::array();
   for (const UndoCopy& copy : record.copies) {
     json["copies"].push_back({{"path", jsonText(copy.path)},
                               {"fingerprint", copy.fingerprint},
@@ -65,7 +65,7 @@ Json jsonOf(const UndoRecord& record) {
 }
 
 // A text, which is in base64 when it is not UTF-8. Throws std::runtime_error.
-std::string textOf(const Json& json) {
+std::string textFrom(const OrderedJson& json) {
   if (!json.is_object()) return json.get<std::string>();
   std::string decoded = json.at("base64").get<std::string>();
   if (!cfgstore::decodeBase64InPlace(decoded, 0)) throw std::runtime_error("base64");
@@ -73,39 +73,39 @@ std::string textOf(const Json& json) {
 }
 
 // The fingerprint of a file, which is given exactly when there is the file.
-std::string fingerprintOf(const Json& json, const std::string& path) {
+std::string fingerprintOf(const OrderedJson& json, const std::string& path) {
   std::string text = json.get<std::string>();
   if (path.empty() ? !text.empty() : !isFingerprint(text)) throw std::runtime_error("fingerprint");
   return text;
 }
 
-UndoInput inputFrom(const Json& json) {
-  return {textOf(json.at("path")), fingerprintOf(json.at("fingerprint"), "a file"),
+UndoInput inputFrom(const OrderedJson& json) {
+  return {textFrom(json.at("path")), fingerprintOf(json.at("fingerprint"), "a file"),
           json.at("size").get<std::uint64_t>()};
 }
 
-UndoRecord recordFrom(const Json& json) {
+UndoRecord recordFrom(const OrderedJson& json) {
   if (json.at("format") != kFormat || json.at("format_version") != kFormatVersion) throw std::runtime_error("format");
   UndoRecord record;
   record.toolVersion = json.at("tool_version").get<std::string>();
   record.time = json.at("time").get<std::string>();
   record.sourceVersion = json.at("source_version").get<std::string>();
-  record.target = textOf(json.at("target"));
+  record.target = textFrom(json.at("target"));
   record.fingerprint = fingerprintOf(json.at("fingerprint"), record.target);
-  record.backup = textOf(json.at("backup"));
+  record.backup = textFrom(json.at("backup"));
   record.backupFingerprint = fingerprintOf(json.at("backup_fingerprint"), record.backup);
   record.oldFile = inputFrom(json.at("old"));
   record.newFile = inputFrom(json.at("new"));
   record.plannedSha256 = json.at("planned_sha256").get<std::string>();
   if (!record.plannedSha256.empty() && !isSha256(record.plannedSha256)) throw std::runtime_error("fingerprint");
-  if (const Json& schemas = json.at("schemas"); !schemas.is_null()) {
-    record.schemas = {textOf(schemas.at("search_directory")), textOf(schemas.at("target_directory"))};
+  if (const OrderedJson& schemas = json.at("schemas"); !schemas.is_null()) {
+    record.schemas = {textFrom(schemas.at("search_directory")), textFrom(schemas.at("target_directory"))};
   }
-  for (const Json& each : json.at("copies")) {
+  for (const OrderedJson& each : json.at("copies")) {
     UndoCopy copy;
-    copy.path = textOf(each.at("path"));
+    copy.path = textFrom(each.at("path"));
     copy.fingerprint = fingerprintOf(each.at("fingerprint"), copy.path);
-    copy.backup = textOf(each.at("backup"));
+    copy.backup = textFrom(each.at("backup"));
     copy.backupFingerprint = fingerprintOf(each.at("backup_fingerprint"), copy.backup);
     record.copies.push_back(std::move(copy));
   }
@@ -142,7 +142,7 @@ std::optional<UndoRecord> readUndoRecord(const std::string& target) {
   std::ifstream in(path, std::ios::binary);
   if (!in) fail(path, std::strerror(errno));
   try {
-    UndoRecord record = recordFrom(Json::parse(in));
+    UndoRecord record = recordFrom(OrderedJson::parse(in));
     std::error_code error;
     if (std::filesystem::weakly_canonical(target, error).string() == record.target) return record;
   } catch (const std::bad_alloc&) {
