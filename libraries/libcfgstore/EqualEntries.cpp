@@ -68,25 +68,40 @@ void Document::dropLinesSetAside() {
   }
   std::vector<Line> left;
   reserveLarge(left, count);  // so that the spans stay valid
-  const auto keep = [&left](std::span<const Line>& lines) {
-    const std::size_t at = left.size();
-    left.insert(left.end(), lines.begin(), lines.end());
-    lines = std::span<const Line>(left).subspan(at);
-  };
+  const auto keep = [&left](std::span<const Line> lines) { left.insert(left.end(), lines.begin(), lines.end()); };
+  std::vector<std::size_t> sizes;  // of what comes back
   std::vector<Line> again;
-  for (Entry& entry : m_entries) {
-    if (entry.setAside && !entry.body.empty()) {
-      entry.aside = textOf(entry.body);
-      entry.body = {};
-    } else {
-      if (entry.alike && !entry.setAside) {
-        entry.body = bodyOf(entry, again);
-        entry.aside = {};
-      }
+  for (const Entry& entry : m_entries) {
+    if (entry.alike && !entry.setAside) {
+      const std::span<const Line> body = bodyOf(entry, again);
+      sizes.push_back(body.size());
+      keep(body);
+    } else if (!entry.setAside) {
       keep(entry.body);
     }
-    entry.alike = false;
     keep(entry.gap);
+  }
+
+  // From here on nothing can fail.
+  std::span<const Line> rest(left);
+  const auto take = [&rest](std::size_t size) {
+    const std::span<const Line> lines = rest.first(size);
+    rest = rest.subspan(size);
+    return lines;
+  };
+  auto size = sizes.begin();
+  for (Entry& entry : m_entries) {
+    if (entry.setAside) {
+      if (!entry.body.empty()) entry.aside = textOf(entry.body);
+      entry.body = {};
+    } else if (entry.alike) {
+      entry.body = take(*size++);
+      entry.aside = {};
+    } else {
+      entry.body = take(entry.body.size());
+    }
+    entry.alike = false;
+    entry.gap = take(entry.gap.size());
   }
   m_hasAllLines = m_hasAllLines && left.size() == m_lines.size();
   m_lines = std::move(left);

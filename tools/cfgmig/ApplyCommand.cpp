@@ -123,7 +123,7 @@ bool afterwards(const Step& step, Console& console) {
   } catch (const std::filesystem::filesystem_error& error) {
     tellAll({ldtr::printable(error.what())}, console);
   } catch (const std::bad_alloc&) {
-    tellAll({"not enough memory for what follows the save"}, console);
+    console.err << "cfgmig: not enough memory for what follows the save\n";  // without asking for any
   }
   return false;
 }
@@ -191,7 +191,10 @@ ExitStatus write(Migration& migration, unsigned permissions, EarlySave* early, c
     std::future<std::vector<std::string>> faults = faultsLookedFor(migration);
     isWell &=
         afterwards([&] { noteForUndo(recordOf(migration, report, saved.backupPath, fingerprint.get())); }, console);
-    isWell &= isFaultless(migration, faults.valid() ? faults.get() : faultsOfResult(migration), console);
+    bool isRight = false;
+    const auto check = [&] { return faults.valid() ? faults.get() : faultsOfResult(migration); };
+    isWell &= afterwards([&] { isRight = isFaultless(migration, check(), console); }, console);
+    isWell &= isRight;
   } else {
     report.outcome.kind = Outcome::Kind::nothingToDo;
     isWell &= afterwards([&] { clearHalfUndoRecord(request.target); }, console);

@@ -108,6 +108,16 @@ TEST_F(UndoRecords, AreRefusedWhenAFingerprintIsNone) {
   }
 }
 
+TEST_F(UndoRecords, OfAnotherVersionAreToldFromOthers) {
+  const std::string target = workspace.path("a.ldif");
+  tool::writeUndoRecord(recordOf(target));
+  const std::string name = fs::path(tool::undoRecordPath(target)).lexically_relative(workspace.path("")).string();
+  std::string text = workspace.read(name);
+  const std::string version = "\"format_version\": 2";
+  workspace.write(name, text.replace(text.find(version), version.size(), "\"format_version\": 1"));
+  EXPECT_THAT(why(target), HasSubstr("another version of cfgmig has written this record"));
+}
+
 TEST_F(UndoRecords, AreRefusedWhenTheirBase64IsNone) {
   const std::string target = workspace.path("caf\xE9.ldif");
   tool::writeUndoRecord(recordOf(target));

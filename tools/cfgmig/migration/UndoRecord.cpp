@@ -28,6 +28,11 @@ using OrderedJson = nlohmann::ordered_json;
 constexpr const char* kFormat = "cfgmig undo";
 constexpr unsigned kFormatVersion = 2;
 
+class OtherVersion : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
 [[noreturn]] void fail(const std::string& path, const std::string& why) {
   throw Failure(ExitStatus::failed, ldtr::printable(path) + ": " + why);
 }
@@ -85,7 +90,8 @@ UndoInput inputFrom(const OrderedJson& json) {
 }
 
 UndoRecord recordFrom(const OrderedJson& json) {
-  if (json.at("format") != kFormat || json.at("format_version") != kFormatVersion) throw std::runtime_error("format");
+  if (json.at("format") != kFormat) throw std::runtime_error("format");
+  if (json.at("format_version") != kFormatVersion) throw OtherVersion("format version");
   UndoRecord record;
   record.toolVersion = json.at("tool_version").get<std::string>();
   record.time = json.at("time").get<std::string>();
@@ -147,6 +153,8 @@ std::optional<UndoRecord> readUndoRecord(const std::string& target) {
     if (std::filesystem::weakly_canonical(target, error).string() == record.target) return record;
   } catch (const std::bad_alloc&) {
     throw;
+  } catch (const OtherVersion&) {
+    fail(path, "another version of cfgmig has written this record; undo with that one, or put the backup back by hand");
   } catch (const std::exception&) {
     fail(path, "it is no record that cfgmig apply has written, or has been changed since");
   }
