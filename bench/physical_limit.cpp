@@ -2,13 +2,13 @@
 // of both files and, for a merge, bring a file of the result's size to the disk.
 //
 //   physical_limit [--plainly] OLD NEW         maps both files and hashes each of their lines, in one thread
-//   physical_limit [--plainly] OLD NEW OUT     and then puts a file of NEW's bytes at OUT, as a careful program replaces
-//                                              a file: written once beside it, brought to the disk, renamed, the
-//                                              directory synced
+//   physical_limit [--plainly] OLD NEW OUT     and then puts a file of NEW's bytes at OUT, as a careful program
+//                                              replaces a file: written once beside it, brought to the disk, renamed,
+//                                              the directory synced
 //
 // It does so as fast as we know how: the files are mapped in one step, and the hash is made as fast as memory is read.
-// With --plainly it is what one writes without a second thought: pages are mapped when they are touched, and the hash is
-// the standard library's.
+// With --plainly it is what one writes without a second thought: pages are mapped when they are touched, and the hash
+// is the standard library's.
 //
 // Prints the number of lines and a digest of them, so that no compiler can leave the work out.
 
@@ -40,7 +40,8 @@ std::string_view mapped(const char* path, bool isPlain) {
   if (descriptor < 0 || ::fstat(descriptor, &status) != 0) fail(path);
   const std::size_t size = static_cast<std::size_t>(status.st_size);
   if (size == 0) return {};
-  void* const start = ::mmap(nullptr, size, PROT_READ, isPlain ? MAP_PRIVATE : MAP_PRIVATE | MAP_POPULATE, descriptor, 0);
+  void* const start =
+      ::mmap(nullptr, size, PROT_READ, isPlain ? MAP_PRIVATE : MAP_PRIVATE | MAP_POPULATE, descriptor, 0);
   if (start == MAP_FAILED) fail(path);
   ::close(descriptor);
   return {static_cast<const char*>(start), size};

@@ -28,8 +28,8 @@ class TracedTool {
   // signal's number when it was killed.
   int runWith(const SystemCall& call, const std::string& what);
 
-  // Starts it; each of the calls, or this one, is entered `seconds` later than the tool would. `which` of them, as strace
-  // has it: ":when=2"; empty for all.
+  // Starts it; each of the calls, or this one, is entered `seconds` later than the tool would. `which` of them, as
+  // strace has it: ":when=2"; empty for all.
   void startDelaying(const std::string& calls, int seconds, const std::string& which = "");
   void startDelaying(const SystemCall& call, int seconds) {
     startDelaying(call.name, seconds, ":when=" + std::to_string(call.number));
