@@ -55,8 +55,7 @@ RemarkKind kindOf(LineFault fault) {
   return RemarkKind::zeroByteInValue;
 }
 
-std::size_t physicalLinesOf(const Line& line) {
-  const std::string_view text = line.text();
+std::size_t linesIn(std::string_view text) {
   return static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
 }
 
@@ -193,9 +192,6 @@ bool Reader::passKnown(std::size_t& at) {
   if (!rest.empty() && !ends) return false;
   if (findOrEnter(known.normal) <= m_content.entries.size()) return false;  // a second time, which is to be told
 
-  const auto linesIn = [](std::string_view text) {
-    return static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
-  };
   const auto dnAt = static_cast<std::size_t>(known.dn.raw - known.text.data());
   EntrySpan entry;
   entry.first = entry.dn = entry.end = m_content.lines.size();
@@ -245,7 +241,7 @@ void Reader::passAlike(std::size_t& at) {
   const char* const text = m_content.lines[mine.first].raw;
   mine.text = {text, static_cast<std::size_t>(m_text.data() + at - text)};
   mine.alike = found;
-  m_lineNumber += theirs.endLine - theirs.line - physicalLinesOf(dn);
+  m_lineNumber += theirs.endLine - theirs.line - linesIn(dn.text());
   m_lookedAt = std::max(m_lookedAt, at);
 }
 

@@ -1,7 +1,6 @@
 #include "migration/Fingerprint.h"
 
-#include <array>
-#include <fstream>
+#include "report/HashedBytes.h"
 
 #define XXH_INLINE_ALL
 #include <xxhash.h>
@@ -20,13 +19,7 @@ class Hash {
   std::string text() const {
     XXH128_canonical_t digest{};
     XXH128_canonicalFromHash(&digest, XXH3_128bits_digest(&m_state));
-    constexpr std::string_view kHexadecimal = "0123456789abcdef";
-    std::string text(kKind);
-    for (const unsigned char byte : digest.digest) {
-      text += kHexadecimal[byte >> 4U];
-      text += kHexadecimal[byte & 15U];
-    }
-    return text;
+    return std::string(kKind) + hexadecimal(digest.digest);
   }
 
  private:
@@ -44,21 +37,12 @@ std::string fingerprint(std::span<const std::string_view> pieces) {
 }
 
 std::string fingerprintOfFile(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  if (!in) return {};
   Hash hash;
-  std::array<char, 1U << 16U> buffer{};
-  do {
-    in.read(buffer.data(), buffer.size());
-    hash.add({buffer.data(), static_cast<std::size_t>(in.gcount())});
-  } while (in);
-  if (!in.eof()) return {};
-  return hash.text();
+  return visitBlocks(path, [&hash](std::string_view block) { hash.add(block); }) ? hash.text() : "";
 }
 
 bool isFingerprint(std::string_view text) {
-  return text.size() == kKind.size() + kDigits && text.starts_with(kKind) &&
-         text.find_first_not_of("0123456789abcdef", kKind.size()) == std::string_view::npos;
+  return text.size() == kKind.size() + kDigits && text.starts_with(kKind) && isHexadecimal(text.substr(kKind.size()));
 }
 
 }  // namespace tool

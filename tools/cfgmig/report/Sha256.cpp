@@ -4,9 +4,10 @@
 #include <openssl/evp.h>
 
 #include <array>
-#include <fstream>
 #include <memory>
 #include <new>
+
+#include "report/HashedBytes.h"
 
 namespace tool {
 namespace {
@@ -28,16 +29,10 @@ class Digest {
   }
   void add(std::string_view bytes) { EVP_DigestUpdate(m_context.get(), bytes.data(), bytes.size()); }
   std::string hexadecimal() {
-    constexpr std::string_view kDigits = "0123456789abcdef";
     std::array<unsigned char, EVP_MAX_MD_SIZE> digest{};
     unsigned size = 0;
     EVP_DigestFinal_ex(m_context.get(), digest.data(), &size);
-    std::string text;
-    for (std::size_t i = 0; i < size; ++i) {
-      text += kDigits[digest[i] >> 4U];
-      text += kDigits[digest[i] & 15U];
-    }
-    return text;
+    return tool::hexadecimal(std::span(digest).first(size));
   }
 
  private:
@@ -55,20 +50,10 @@ std::string sha256(std::span<const std::string_view> pieces) {
 }
 
 std::string sha256OfFile(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  if (!in) return {};
   Digest digest;
-  std::array<char, 1U << 16U> buffer{};
-  do {
-    in.read(buffer.data(), buffer.size());
-    digest.add({buffer.data(), static_cast<std::size_t>(in.gcount())});
-  } while (in);
-  if (!in.eof()) return {};
-  return digest.hexadecimal();
+  return visitBlocks(path, [&digest](std::string_view block) { digest.add(block); }) ? digest.hexadecimal() : "";
 }
 
-bool isSha256(std::string_view text) {
-  return text.size() == 64 && text.find_first_not_of("0123456789abcdef") == std::string_view::npos;
-}
+bool isSha256(std::string_view text) { return text.size() == 64 && isHexadecimal(text); }
 
 }  // namespace tool
